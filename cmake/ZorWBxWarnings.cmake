@@ -1,0 +1,11 @@
+# Compiler settings shared by every target of the project.
+add_library(zorwbx_build_options INTERFACE)
+target_compile_options(zorwbx_build_options INTERFACE -Wall -Wextra -Wpedantic)
+if(ZORWBX_WERROR)
+  target_compile_options(zorwbx_build_options INTERFACE -Werror)
+endif()
+if(ZORWBX_SANITIZE)
+  set(_zorwbx_san -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_options(zorwbx_build_options INTERFACE ${_zorwbx_san})
+  target_link_options(zorwbx_build_options INTERFACE ${_zorwbx_san})
+endif()

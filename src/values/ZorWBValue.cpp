@@ -1,0 +1,555 @@
+#include "values/ZorWBValue.h"
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <vector>
+
+#include "values/ZorWBEnvironment.h"
+
+namespace {
+
+// The infinity markers and bounds beyond the finite range read as the real
+// infinite ends.
+double IntegerBoundToReal(int bound) {
+    if (bound >= ZorWBIntegerMax) return ZorWBRealLimit;
+    if (bound <= -ZorWBIntegerMax) return -ZorWBRealLimit;
+    return bound;
+}
+
+int RealToIntegerSaturated(double value) {
+    if (std::isnan(value)) return 0;
+    if (value > ZorWBIntegerMax) return ZorWBIntegerPlusInfinity;
+    if (value < -ZorWBIntegerMax) return ZorWBIntegerMinusInfinity;
+    return static_cast<int>(std::lround(value));
+}
+
+// An integral real as an interval bound; beyond the finite range it is the
+// infinite end.
+int ClampToIntegerBound(double integral) {
+    if (integral >= ZorWBIntegerMax) return ZorWBIntegerMax;
+    if (integral <= -ZorWBIntegerMax) return -ZorWBIntegerMax;
+    return static_cast<int>(integral);
+}
+
+// A real bound snapped to a near integer, so that 1.9999999999999998 counts
+// as 2 when the integers inside a real interval are taken.
+double SnapToInteger(double value) {
+    double nearest = std::round(value);
+    double slack = std::max(1.0, std::fabs(value)) * ZorWBIntervalTolerance;
+    return std::fabs(value - nearest) <= slack ? nearest : value;
+}
+
+// The integers inside a real interval; the infinite ends become the infinite
+// integer bounds.
+ZorWBIntegerInterval IntegersInside(const ZorWBRealInterval& interval) {
+    if (std::isnan(interval.low) || std::isnan(interval.high) || interval.low > interval.high)
+        return ZorWBInteger_Nil;
+    double low = std::ceil(SnapToInteger(interval.low));
+    double high = std::floor(SnapToInteger(interval.high));
+    if (low > high) return ZorWBInteger_Nil;
+    return {ClampToIntegerBound(low), ClampToIntegerBound(high)};
+}
+
+ZorWBRealInterval ToRealInterval(const ZorWBIntegerInterval& interval) {
+    if (interval.low > interval.high) return ZorWBReal_Nil;
+    return {IntegerBoundToReal(interval.low), IntegerBoundToReal(interval.high)};
+}
+
+ZorWBIntegerInterval BooleanToIntegerInterval(int state) {
+    switch (state) {
+        case ZorWBFalse:
+            return {0, 0};
+        case ZorWBTrue:
+            return {1, 1};
+        case ZorWBUnknown:
+            return {0, 1};
+        default:
+            return ZorWBInteger_Nil;
+    }
+}
+
+// False when the set is {0}, true when it excludes 0, unknown when it holds 0
+// and more, empty when it is empty.
+ZorWBBoolean BooleanOfHull(double low, double high) {
+    if (low > high) return ZorWBEmpty;
+    if (low == 0.0 && high == 0.0) return ZorWBFalse;
+    if (low > 0.0 || high < 0.0) return ZorWBTrue;
+    return ZorWBUnknown;
+}
+
+double Midpoint(const ZorWBRealInterval& interval) {
+    return interval.low + (interval.high - interval.low) / 2.0;
+}
+
+}  // namespace
+
+ZorWBValue::ZorWBValue(ZorWBValueType type) : _type(type) {
+    switch (type) {
+        case ZorWBRealType:
+        case ZorWBRealIntervalType:
+            _payload.reals[0] = _payload.reals[1] = 0.0;
+            break;
+        case ZorWBFractionType:
+            _type = ZorWBIntegerType;
+            break;
+        default:
+            break;  // every other kind starts from the zero payload or "any"
+    }
+}
+
+ZorWBValue::ZorWBValue(const ZorWBValue& other)
+    : _type(other._type), _payload(other._payload), _environment(other._environment) {
+    CopyEnums(other);
+}
+
+ZorWBValue::ZorWBValue(ZorWBValue&& other) noexcept
+    : _type(other._type),
+      _payload(other._payload),
+      _integerEnum(std::move(other._integerEnum)),
+      _realEnum(std::move(other._realEnum)),
+      _environment(other._environment) {}
+
+ZorWBValue& ZorWBValue::operator=(const ZorWBValue& other) {
+    if (this == &other) return *this;
+    if (IsEnumKind(_type) && !IsEnumKind(other._type)) ResetEnums();
+    _type = other._type;
+    _payload = other._payload;
+    _environment = other._environment;
+    CopyEnums(other);
+    return *this;
+}
+
+ZorWBValue& ZorWBValue::operator=(ZorWBValue&& other) noexcept {
+    if (this == &other) return *this;
+    _type = other._type;
+    _payload = other._payload;
+    _integerEnum = std::move(other._integerEnum);
+    _realEnum = std::move(other._realEnum);
+    _environment = other._environment;
+    return *this;
+}
+
+void ZorWBValue::ResetEnums() {
+    _integerEnum.SetAny();
+    _realEnum.SetAny();
+}
+
+void ZorWBValue::CopyEnums(const ZorWBValue& other) {
+    if (other._type == ZorWBIntegerEnumType) _integerEnum = other._integerEnum;
+    if (other._type == ZorWBRealEnumType) _realEnum = other._realEnum;
+}
+
+void ZorWBValue::Load(const ZorWBFraction& fraction) {
+    SetScalarKind(ZorWBFractionType);
+    _payload.ints[0] = fraction.numerator;
+    _payload.ints[1] = fraction.denominator;
+    _payload.ints[2] = fraction.power;
+}
+
+void ZorWBValue::Set(const ZorWBIntegerEnum& value) {
+    if (_type == ZorWBRealEnumType) _realEnum.SetAny();
+    _type = ZorWBIntegerEnumType;
+    _integerEnum = value;
+}
+
+void ZorWBValue::Set(const ZorWBRealEnum& value) {
+    if (_type == ZorWBIntegerEnumType) _integerEnum.SetAny();
+    _type = ZorWBRealEnumType;
+    _realEnum = value;
+}
+
+void ZorWBValue::Set(int count, const int* values) {
+    ZorWBIntegerEnum list(ZorWBEnumList);
+    if (values && count > 0) {
+        std::vector<int> sorted(values, values + count);
+        std::sort(sorted.begin(), sorted.end());
+        sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+        for (int element : sorted)
+            list.Append(element);
+    }
+    Set(list);
+}
+
+void ZorWBValue::Set(int count, const double* values) {
+    ZorWBRealEnum list(ZorWBEnumList);
+    if (values && count > 0) {
+        std::vector<double> sorted(values, values + count);
+        std::sort(sorted.begin(), sorted.end());
+        sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+        for (double element : sorted)
+            list.Append(element);
+    }
+    Set(list);
+}
+
+void ZorWBValue::SetIndefinite() {
+    switch (_type) {
+        case ZorWBIntegerIntervalType:
+            Set(ZorWBInteger_Any);
+            break;
+        case ZorWBRealIntervalType:
+            Set(ZorWBReal_Any);
+            break;
+        case ZorWBIntegerEnumType:
+            _integerEnum.SetAny();
+            break;
+        case ZorWBRealEnumType:
+            _realEnum.SetAny();
+            break;
+        case ZorWBBooleanType:
+            Set(ZorWBUnknown);
+            break;
+        default:
+            break;
+    }
+}
+
+bool ZorWBValue::IsConvertible(ZorWBValueType type) const {
+    if (type == _type) return true;
+    switch (type) {
+        case ZorWBIntegerType:
+            return _type == ZorWBBooleanType;
+        case ZorWBRealType:
+            return _type == ZorWBIntegerType;
+        case ZorWBIntegerIntervalType:
+            return true;
+        case ZorWBRealIntervalType:
+            return _type != ZorWBBooleanType;
+        case ZorWBBooleanType:
+            return _type == ZorWBIntegerType || _type == ZorWBIntegerIntervalType ||
+                   _type == ZorWBIntegerEnumType;
+        default:
+            return false;
+    }
+}
+
+int ZorWBValue::ConvertToInteger() const {
+    switch (_type) {
+        case ZorWBIntegerType:
+            return _payload.ints[0];
+        case ZorWBBooleanType:
+            return _payload.ints[0] == ZorWBTrue ? 1 : 0;
+        case ZorWBUndefinedType:
+            return 0;
+        default:
+            return RealToIntegerSaturated(ConvertToReal());
+    }
+}
+
+double ZorWBValue::ConvertToReal() const {
+    switch (_type) {
+        case ZorWBIntegerType:
+            if (_payload.ints[0] == ZorWBIntegerPlusInfinity) return ZorWBRealPlusInfinity;
+            if (_payload.ints[0] == ZorWBIntegerMinusInfinity) return ZorWBRealMinusInfinity;
+            return _payload.ints[0];
+        case ZorWBRealType:
+            return _payload.reals[0];
+        case ZorWBFractionType: {
+            ZorWBValue simplified(*this);
+            simplified.SimplifyFraction(true);
+            return simplified.GetAsReal();  // simplifying to reals leaves no fraction
+        }
+        case ZorWBBooleanType:
+            return _payload.ints[0] == ZorWBTrue ? 1.0 : 0.0;
+        case ZorWBIntegerIntervalType:
+        case ZorWBRealIntervalType:
+        case ZorWBIntegerEnumType:
+        case ZorWBRealEnumType:
+            return Midpoint(GetAsRealInterval());
+        default:
+            return 0.0;
+    }
+}
+
+ZorWBBoolean ZorWBValue::GetAsBoolean() const {
+    switch (_type) {
+        case ZorWBUndefinedType:
+            return ZorWBUnknown;
+        case ZorWBBooleanType:
+            return static_cast<ZorWBBoolean>(_payload.ints[0]);
+        case ZorWBIntegerType:
+            return _payload.ints[0] != 0 ? ZorWBTrue : ZorWBFalse;
+        case ZorWBRealType:
+            return _payload.reals[0] != 0.0 ? ZorWBTrue : ZorWBFalse;
+        case ZorWBIntegerIntervalType:
+        case ZorWBIntegerEnumType: {
+            ZorWBIntegerInterval hull = GetAsIntegerInterval();
+            return BooleanOfHull(hull.low, hull.high);
+        }
+        case ZorWBFractionType: {
+            ZorWBValue simplified(*this);
+            simplified.SimplifyFraction(true);
+            return simplified.GetAsBoolean();
+        }
+        case ZorWBRealIntervalType:
+        case ZorWBRealEnumType: {
+            ZorWBRealInterval hull = GetAsRealInterval();
+            return BooleanOfHull(hull.low, hull.high);
+        }
+        default:
+            return ZorWBUnknown;
+    }
+}
+
+ZorWBFraction ZorWBValue::GetAsFraction() const {
+    if (_type == ZorWBFractionType)
+        return ZorWBCreateFraction(_payload.ints[0], _payload.ints[1], _payload.ints[2], 0);
+    if (_type == ZorWBIntegerType) return ZorWBCreateFraction(_payload.ints[0], 1, 0, 0);
+    return ZorWBCreateFraction(0, 1, 0, 0);
+}
+
+ZorWBIntegerInterval ZorWBValue::ConvertToIntegerInterval() const {
+    switch (_type) {
+        case ZorWBIntegerType:
+            return {_payload.ints[0], _payload.ints[0]};
+        case ZorWBIntegerIntervalType:
+            return {_payload.ints[0], _payload.ints[1]};
+        case ZorWBIntegerEnumType:
+            return _integerEnum.GetAsIntegerInterval();
+        case ZorWBBooleanType:
+            return BooleanToIntegerInterval(_payload.ints[0]);
+        case ZorWBUndefinedType:
+            return ZorWBInteger_Any;
+        case ZorWBRealType:
+        case ZorWBFractionType: {
+            double value = GetAsReal();
+            return IntegersInside({value, value});
+        }
+        case ZorWBRealIntervalType:
+        case ZorWBRealEnumType:
+            return IntegersInside(GetAsRealInterval());
+        default:
+            return ZorWBInteger_Any;
+    }
+}
+
+ZorWBRealInterval ZorWBValue::ConvertToRealInterval() const {
+    switch (_type) {
+        case ZorWBRealType:
+        case ZorWBIntegerType:
+        case ZorWBFractionType: {
+            double value = GetAsReal();
+            return {value, value};
+        }
+        case ZorWBRealIntervalType:
+            return {_payload.reals[0], _payload.reals[1]};
+        case ZorWBRealEnumType:
+            return _realEnum.GetAsRealInterval();
+        case ZorWBIntegerIntervalType:
+        case ZorWBIntegerEnumType:
+        case ZorWBBooleanType:
+            return ToRealInterval(GetAsIntegerInterval());
+        default:
+            return ZorWBReal_Any;
+    }
+}
+
+void ZorWBValue::GetAsIntegerEnum(ZorWBIntegerEnum& out) const {
+    switch (_type) {
+        case ZorWBIntegerEnumType:
+            out = _integerEnum;
+            return;
+        case ZorWBIntegerType:
+            out.Reset(ZorWBEnumList);
+            out.Append(_payload.ints[0]);
+            return;
+        case ZorWBUndefinedType:
+            out.SetAny();
+            return;
+        case ZorWBRealEnumType:
+            if (_realEnum.GetRep() == ZorWBEnumList) {
+                out.Reset(ZorWBEnumList);
+                for (int i = 0; i < _realEnum.GetSize(); ++i) {
+                    double element = SnapToInteger(_realEnum.Get(i));
+                    if (element == std::floor(element) && std::fabs(element) < ZorWBIntegerMax)
+                        out.Insert(static_cast<int>(element));
+                }
+                return;
+            }
+            break;
+        default:
+            break;
+    }
+    ZorWBIntegerInterval hull = GetAsIntegerInterval();
+    if (hull.low > hull.high)
+        out.SetNil();
+    else
+        out.SetAsIntegerInterval(hull);
+}
+
+void ZorWBValue::GetAsRealEnum(ZorWBRealEnum& out) const {
+    switch (_type) {
+        case ZorWBRealEnumType:
+            out = _realEnum;
+            return;
+        case ZorWBRealType:
+        case ZorWBIntegerType:
+        case ZorWBFractionType:
+            out.Reset(ZorWBEnumList);
+            out.Append(GetAsReal());
+            return;
+        case ZorWBUndefinedType:
+            out.SetAny();
+            return;
+        case ZorWBIntegerEnumType:
+            if (_integerEnum.GetRep() != ZorWBEnumInterval) {
+                out = _integerEnum;
+                return;
+            }
+            break;
+        default:
+            break;
+    }
+    ZorWBRealInterval hull = GetAsRealInterval();
+    if (hull.low > hull.high)
+        out.SetNil();
+    else
+        out.SetAsRealInterval(hull);
+}
+
+double ZorWBValue::GetMAG() const {
+    ZorWBRealInterval hull = GetAsRealInterval();
+    return std::max(std::fabs(hull.low), std::fabs(hull.high));
+}
+
+double ZorWBValue::GetMiddle() const {
+    return Midpoint(GetAsRealInterval());
+}
+
+double ZorWBValue::GetWidth() const {
+    ZorWBRealInterval hull = GetAsRealInterval();
+    return hull.high - hull.low;
+}
+
+void ZorWBValue::Assign(const ZorWBEnvironment& environment, const ZorWBValue& other) {
+    RecordEnv(environment);
+    switch (_type) {
+        case ZorWBIntegerType:
+            Set(other.GetAsInteger());
+            break;
+        case ZorWBRealType:
+            Set(other.GetAsReal());
+            break;
+        case ZorWBIntegerIntervalType:
+            Set(other.GetAsIntegerInterval());
+            break;
+        case ZorWBRealIntervalType:
+            Set(other.GetAsRealInterval());
+            break;
+        case ZorWBIntegerEnumType:
+            other.GetAsIntegerEnum(_integerEnum);
+            _integerEnum.Correct(environment);
+            break;
+        case ZorWBRealEnumType:
+            if (other.IsAKindOf(ZorWBIntegerType) || other.IsAKindOf(ZorWBIntegerIntervalType) ||
+                other.IsAKindOf(ZorWBIntegerEnumType)) {
+                ZorWBIntegerEnum integers;
+                other.GetAsIntegerEnum(integers);
+                integers.Correct(environment);
+                _realEnum = integers;
+            } else {
+                other.GetAsRealEnum(_realEnum);
+                _realEnum.Correct(environment);
+            }
+            break;
+        case ZorWBBooleanType:
+            Set(other.GetAsBoolean());
+            break;
+        case ZorWBFractionType:
+            if (other.IsAFraction())
+                Load(other.GetAsFraction());
+            else if (other.IsAKindOf(ZorWBIntegerType))
+                Set(other.GetAsInteger());
+            else if (other.IsAKindOf(ZorWBRealType))
+                Set(other.GetAsReal());
+            break;
+        default:
+            break;
+    }
+}
+
+void ZorWBValue::AssignWithType(const ZorWBEnvironment& environment, const ZorWBValue& other) {
+    if (_type == ZorWBUndefinedType) _type = other._type;
+    Assign(environment, other);
+}
+
+void ZorWBValue::SimplifyFraction(bool toReal) {
+    if (_type != ZorWBFractionType) return;
+    long long numerator = _payload.ints[0];
+    long long denominator = _payload.ints[1];
+    int power = _payload.ints[2];
+    auto isMarker = [&](int marker) {
+        return numerator == marker || denominator == marker || power == marker;
+    };
+    if (denominator == 0) {
+        // 0/0 reads as plus infinity and n/0 as minus infinity, whatever the
+        // sign of n: old data depends on this pairing.
+        Set(numerator == 0 ? ZorWBIntegerPlusInfinity : ZorWBIntegerMinusInfinity);
+    } else if (isMarker(ZorWBIntegerMinusInfinity)) {
+        Set(ZorWBIntegerMinusInfinity);
+    } else if (numerator == 0) {
+        Set(0);
+    } else if (isMarker(ZorWBIntegerPlusInfinity)) {
+        Set(ZorWBRealPlusInfinity);
+    } else if (power == 0 && numerator % denominator == 0) {
+        long long quotient = numerator / denominator;
+        if (quotient >= -ZorWBIntegerMax && quotient <= ZorWBIntegerMax)
+            Set(static_cast<int>(quotient));
+        else
+            Set(static_cast<double>(quotient));  // beyond 32 bits: keep it exact as a real
+    } else if (toReal) {
+        Set(std::pow(ZorWBPi, power) * static_cast<double>(numerator) /
+            static_cast<double>(denominator));
+    } else {
+        if (denominator < 0) {
+            numerator = -numerator;
+            denominator = -denominator;
+        }
+        long long divisor = ZorWBGcd(numerator, denominator);
+        numerator /= divisor;
+        denominator /= divisor;
+        if (numerator >= INT_MIN && numerator <= INT_MAX && denominator <= INT_MAX) {
+            _payload.ints[0] = static_cast<int>(numerator);
+            _payload.ints[1] = static_cast<int>(denominator);
+        } else {
+            Set(std::pow(ZorWBPi, power) * static_cast<double>(numerator) /
+                static_cast<double>(denominator));
+        }
+    }
+}
+
+ZorQelString ZorWBValue::Str() const {
+    ZorQelString text;
+    switch (_type) {
+        case ZorWBUndefinedType:
+            return "ERROR (undefined value)";
+        case ZorWBIntegerType:
+            return text.AppendInt(_payload.ints[0]);
+        case ZorWBRealType:
+            return text.AppendDouble(_payload.reals[0]);
+        case ZorWBIntegerIntervalType:
+            return text.Append("Integer interval [")
+                .AppendInt(_payload.ints[0])
+                .Append(" -> ")
+                .AppendInt(_payload.ints[1])
+                .Append("]");
+        case ZorWBRealIntervalType:
+            return text.Append("Real interval [")
+                .AppendDouble(_payload.reals[0])
+                .Append(" -> ")
+                .AppendDouble(_payload.reals[1])
+                .Append("]");
+        case ZorWBIntegerEnumType:
+            return "Integer enum";
+        case ZorWBRealEnumType:
+            return "Real enum";
+        case ZorWBBooleanType:
+            // Unknown and empty print TRUE too: only false is stored as 0.
+            return _payload.ints[0] != 0 ? "TRUE" : "FALSE";
+        case ZorWBFractionType:
+            return "Fraction";
+        default:
+            return "ERROR (unknown value type)";
+    }
+}

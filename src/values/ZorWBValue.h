@@ -1,0 +1,202 @@
+#ifndef ZORWB_VALUE_H
+#define ZORWB_VALUE_H
+
+#include "ZorWBxExport.h"
+#include "qel/ZorQelString.h"
+#include "values/ZorWBEnum.h"
+#include "values/ZorWBFraction.h"
+#include "values/ZorWBInterval.h"
+
+class ZorWBEnvironment;
+class ZorWBFactory;
+
+// The kind of a value; the numbers are stored by printers and writers.
+enum ZorWBValueType : int {
+    ZorWBUndefinedType = 0,
+    ZorWBIntegerType = 1,
+    ZorWBRealType = 2,
+    ZorWBIntegerIntervalType = 3,
+    ZorWBRealIntervalType = 4,
+    ZorWBIntegerEnumType = 5,
+    ZorWBRealEnumType = 6,
+    ZorWBBooleanType = 7,
+    ZorWBFractionType = 8,
+};
+
+// Four-state logic: unknown means "either", empty means "contradictory".
+enum ZorWBBoolean : int {
+    ZorWBFalse = 0,
+    ZorWBTrue = 1,
+    ZorWBUnknown = 2,
+    ZorWBEmpty = 3,
+};
+
+// The one value type of the library: undefined, an exact integer, a real, a
+// closed integer or real interval, a finite integer or real enumeration, a
+// four-state boolean, or a fraction of a power of Pi.
+//
+// Scalar kinds live in a small inline payload: constructing, copying and
+// assigning them never allocates. The enumerations allocate only when they
+// hold elements, and are copied only for the enumeration kinds.
+//
+// Conversions never fail. Those that the kind table of IsConvertible does not
+// list give the nearest reading instead: a real reads an interval or an
+// enumeration as the midpoint of its hull, an integer reads a real rounded,
+// and an integer interval reads the integers inside a real interval.
+class ZORWBX_API ZorWBValue {
+  public:
+    ZorWBValue() = default;
+    // A zero value of the kind; the fraction kind gives the integer 0, and a
+    // number outside 1..8 is kept as the kind with no payload.
+    explicit ZorWBValue(ZorWBValueType type);
+    ZorWBValue(int value) { Set(value); }
+    ZorWBValue(double value) { Set(value); }
+    ZorWBValue(ZorWBBoolean value) { Set(value); }
+    ZorWBValue(const ZorWBIntegerInterval& value) { Set(value); }
+    ZorWBValue(const ZorWBRealInterval& value) { Set(value); }
+    ZorWBValue(const ZorWBIntegerEnum& value) { Set(value); }
+    ZorWBValue(const ZorWBRealEnum& value) { Set(value); }
+    ZorWBValue(const ZorWBFraction& value) { Load(value); }
+    ZorWBValue(const ZorWBValue& other);
+    ZorWBValue(ZorWBValue&& other) noexcept;
+    ZorWBValue& operator=(const ZorWBValue& other);
+    ZorWBValue& operator=(ZorWBValue&& other) noexcept;
+    ~ZorWBValue() = default;
+
+    // A heap copy owned by the caller.
+    ZorWBValue* Clone() const { return new ZorWBValue(*this); }
+
+    void Set(int value) {
+        SetScalarKind(ZorWBIntegerType);
+        _payload.ints[0] = value;
+    }
+    void Set(double value) {
+        SetScalarKind(ZorWBRealType);
+        _payload.reals[0] = value;
+    }
+    void Set(ZorWBBoolean value) {
+        SetScalarKind(ZorWBBooleanType);
+        _payload.ints[0] = value;
+    }
+    void Set(const ZorWBIntegerInterval& value) {
+        SetScalarKind(ZorWBIntegerIntervalType);
+        _payload.ints[0] = value.low;
+        _payload.ints[1] = value.high;
+    }
+    void Set(const ZorWBRealInterval& value) {
+        SetScalarKind(ZorWBRealIntervalType);
+        _payload.reals[0] = value.low;
+        _payload.reals[1] = value.high;
+    }
+    void Set(const ZorWBFraction& value) { Load(value); }
+    void Set(const ZorWBIntegerEnum& value);
+    void Set(const ZorWBRealEnum& value);
+    // An integer (real) enumeration in list form: the elements sorted and
+    // without repeats. A null array or a count below 1 gives an empty list.
+    void Set(int count, const int* values);
+    void Set(int count, const double* values);
+    // The widest value of the current kind: the whole line for intervals, any
+    // for enumerations, unknown for booleans; other kinds are left unchanged.
+    void SetIndefinite();
+
+    ZorWBValueType GetType() const { return _type; }
+    bool IsAKindOf(ZorWBValueType type) const { return _type == type; }
+    bool IsAFraction() const { return _type == ZorWBFractionType; }
+    bool IsConvertible(ZorWBValueType type) const;
+
+    int GetAsInteger() const {
+        return _type == ZorWBIntegerType ? _payload.ints[0] : ConvertToInteger();
+    }
+    double GetAsReal() const {
+        return _type == ZorWBRealType ? _payload.reals[0] : ConvertToReal();
+    }
+    double GetAsDouble() const { return GetAsReal(); }
+    ZorWBBoolean GetAsBoolean() const;
+    ZorWBFraction GetAsFraction() const;
+    ZorWBIntegerInterval GetAsIntegerInterval() const {
+        if (_type == ZorWBIntegerIntervalType) return {_payload.ints[0], _payload.ints[1]};
+        return ConvertToIntegerInterval();
+    }
+    ZorWBRealInterval GetAsRealInterval() const {
+        if (_type == ZorWBRealIntervalType) return {_payload.reals[0], _payload.reals[1]};
+        return ConvertToRealInterval();
+    }
+    void GetAsIntegerEnum(ZorWBIntegerEnum& out) const;
+    void GetAsRealEnum(ZorWBRealEnum& out) const;
+    ZorWBIntegerEnum& GetIntegerEnum() { return _integerEnum; }
+    const ZorWBIntegerEnum& GetIntegerEnum() const { return _integerEnum; }
+    ZorWBRealEnum& GetRealEnum() { return _realEnum; }
+    const ZorWBRealEnum& GetRealEnum() const { return _realEnum; }
+
+    // Largest magnitude, midpoint and width of the value's real reading.
+    double GetMAG() const;
+    double GetMiddle() const;
+    double GetWidth() const;
+
+    // Set operations under an environment's tolerance. Intersect answers
+    // whether the intersection is consistent.
+    bool Intersect(const ZorWBEnvironment& environment, const ZorWBValue& other);
+    void Unite(const ZorWBEnvironment& environment, const ZorWBValue& other);
+    void Exclude(const ZorWBEnvironment& environment, const ZorWBValue& other);
+    // Takes the other value converted to this value's kind (see the kind
+    // rules of each target kind); an undefined value stays undefined.
+    void Assign(const ZorWBEnvironment& environment, const ZorWBValue& other);
+    // As Assign, but an undefined value first adopts the other's kind.
+    void AssignWithType(const ZorWBEnvironment& environment, const ZorWBValue& other);
+
+    bool IsEmpty(const ZorWBEnvironment& environment) const;
+    bool IsConsistent(const ZorWBEnvironment& environment) const { return !IsEmpty(environment); }
+    bool IsExact(const ZorWBEnvironment& environment) const;
+    bool IsIndefinite(const ZorWBEnvironment& environment) const;
+    bool IsEqualTo(const ZorWBEnvironment& environment, const ZorWBValue& other) const;
+
+    // Normalises a fraction (see the rules in the implementation); with
+    // toReal, a fraction that is not an integer becomes its real reading.
+    void SimplifyFraction(bool toReal);
+
+    ZorQelString Str() const;
+
+    // The environment last used with this value. Operations that take an
+    // environment record it only while none is recorded (first come);
+    // UpdateEnv replaces it.
+    const ZorWBEnvironment* GetEnvironment() const { return _environment; }
+    void UpdateEnv(const ZorWBEnvironment& environment) const { _environment = &environment; }
+    void UpdateEnv(const ZorWBFactory& factory) const;
+    void RecordEnv(const ZorWBEnvironment& environment) const {
+        if (!_environment) _environment = &environment;
+    }
+
+  private:
+    void Load(const ZorWBFraction& fraction);
+    // Switches to a scalar kind; the enumerations are emptied (no heap work).
+    void SetScalarKind(ZorWBValueType type) {
+        if (IsEnumKind(_type)) ResetEnums();
+        _type = type;
+    }
+    void ResetEnums();
+    void CopyEnums(const ZorWBValue& other);
+    static bool IsEnumKind(ZorWBValueType type) {
+        return type == ZorWBIntegerEnumType || type == ZorWBRealEnumType;
+    }
+
+    int ConvertToInteger() const;
+    double ConvertToReal() const;
+    ZorWBIntegerInterval ConvertToIntegerInterval() const;
+    ZorWBRealInterval ConvertToRealInterval() const;
+
+    // Scalar kinds share one inline payload: ints[0] the integer, boolean or
+    // numerator; ints[0..1] the integer interval; ints[0..2] the fraction;
+    // reals[0] the real; reals[0..1] the real interval.
+    union Payload {
+        int ints[3];
+        double reals[2];
+    };
+
+    ZorWBValueType _type = ZorWBUndefinedType;
+    Payload _payload = {{0, 0, 0}};
+    ZorWBIntegerEnum _integerEnum;
+    ZorWBRealEnum _realEnum;
+    mutable const ZorWBEnvironment* _environment = nullptr;
+};
+
+#endif

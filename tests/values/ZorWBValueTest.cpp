@@ -1,0 +1,331 @@
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <memory>
+#include <random>
+
+#include "AllocationCounter.h"
+#include "values/ZorWBEnvironment.h"
+#include "values/ZorWBValue.h"
+
+namespace {
+
+ZorWBValue MakeFraction(int numerator, int denominator, int power) {
+    return ZorWBValue(ZorWBCreateFraction(numerator, denominator, power, 99));
+}
+
+ZorWBValue Simplified(ZorWBValue value, bool toReal) {
+    value.SimplifyFraction(toReal);
+    return value;
+}
+
+}  // namespace
+
+TEST(ZorWBValue, KindConstructorsGiveZeroValues) {
+    EXPECT_EQ(ZorWBValue().GetType(), ZorWBUndefinedType);
+    EXPECT_EQ(ZorWBValue(ZorWBIntegerType).GetAsInteger(), 0);
+    EXPECT_EQ(ZorWBValue(ZorWBRealType).GetAsReal(), 0.0);
+    EXPECT_EQ(ZorWBValue(ZorWBBooleanType).GetAsBoolean(), ZorWBFalse);
+    ZorWBRealInterval interval = ZorWBValue(ZorWBRealIntervalType).GetAsRealInterval();
+    EXPECT_EQ(interval.low, 0.0);
+    EXPECT_EQ(interval.high, 0.0);
+    EXPECT_TRUE(ZorWBValue(ZorWBIntegerEnumType).GetIntegerEnum().IsAny());
+
+    ZorWBValue fraction(ZorWBFractionType);
+    EXPECT_EQ(fraction.GetType(), ZorWBIntegerType);
+    EXPECT_EQ(fraction.GetAsInteger(), 0);
+
+    ZorWBValue unknownKind(static_cast<ZorWBValueType>(42));
+    EXPECT_EQ(unknownKind.GetType(), 42);
+    EXPECT_EQ(unknownKind.Str(), "ERROR (unknown value type)");
+}
+
+TEST(ZorWBValue, StrByKind) {
+    EXPECT_EQ(ZorWBValue().Str(), "ERROR (undefined value)");
+    EXPECT_EQ(ZorWBValue(-12).Str(), "-12");
+    EXPECT_EQ(ZorWBValue(0.25).Str(), "0.25");
+    EXPECT_EQ(ZorWBValue(ZorWBIntegerInterval{2, 5}).Str(), "Integer interval [2 -> 5]");
+    EXPECT_EQ(ZorWBValue(ZorWBRealInterval{0.5, 1.5}).Str(), "Real interval [0.5 -> 1.5]");
+    EXPECT_EQ(ZorWBValue(ZorWBIntegerEnum()).Str(), "Integer enum");
+    EXPECT_EQ(ZorWBValue(ZorWBRealEnum()).Str(), "Real enum");
+    EXPECT_EQ(ZorWBValue(ZorWBFalse).Str(), "FALSE");
+    EXPECT_EQ(ZorWBValue(ZorWBTrue).Str(), "TRUE");
+    EXPECT_EQ(ZorWBValue(ZorWBUnknown).Str(), "TRUE");
+    EXPECT_EQ(ZorWBValue(ZorWBEmpty).Str(), "TRUE");
+    EXPECT_EQ(MakeFraction(1, 2, 1).Str(), "Fraction");
+}
+
+TEST(ZorWBValue, SimplifyFractionKeepsItsMarkerPairing) {
+    ZorWBValue zeroByZero = Simplified(MakeFraction(0, 0, 0), false);
+    EXPECT_EQ(zeroByZero.GetType(), ZorWBIntegerType);
+    EXPECT_EQ(zeroByZero.GetAsInteger(), 2147483647);
+    EXPECT_EQ(Simplified(MakeFraction(3, 0, 0), false).GetAsInteger(), -2147483647);
+    EXPECT_EQ(Simplified(MakeFraction(-3, 0, 0), false).GetAsInteger(), -2147483647);
+    EXPECT_EQ(Simplified(MakeFraction(5, -2147483647, 0), false).GetAsInteger(), -2147483647);
+    EXPECT_EQ(Simplified(MakeFraction(0, 7, 3), false).GetAsInteger(), 0);
+    ZorWBValue plusMarker = Simplified(MakeFraction(2147483647, 3, 0), false);
+    EXPECT_EQ(plusMarker.GetType(), ZorWBRealType);
+    EXPECT_EQ(plusMarker.GetAsReal(), 3.4028234663852886e+39);
+}
+
+TEST(ZorWBValue, SimplifyFractionReducesOrReadsAsReal) {
+    ZorWBValue reduced = Simplified(MakeFraction(6, 4, 0), false);
+    ASSERT_TRUE(reduced.IsAFraction());
+    EXPECT_EQ(reduced.GetAsFraction().numerator, 3);
+    EXPECT_EQ(reduced.GetAsFraction().denominator, 2);
+    ZorWBValue signs = Simplified(MakeFraction(-6, -4, 0), false);
+    EXPECT_EQ(signs.GetAsFraction().numerator, 3);
+    EXPECT_EQ(signs.GetAsFraction().denominator, 2);
+    ZorWBValue negative = Simplified(MakeFraction(6, -4, 1), false);
+    EXPECT_EQ(negative.GetAsFraction().numerator, -3);
+    EXPECT_EQ(negative.GetAsFraction().denominator, 2);
+    EXPECT_EQ(negative.GetAsFraction().power, 1);
+    ZorWBValue whole = Simplified(MakeFraction(4, 2, 0), false);
+    EXPECT_EQ(whole.GetType(), ZorWBIntegerType);
+    EXPECT_EQ(whole.GetAsInteger(), 2);
+    ZorWBValue halfPi = Simplified(MakeFraction(1, 2, 1), true);
+    EXPECT_EQ(halfPi.GetType(), ZorWBRealType);
+    EXPECT_EQ(halfPi.GetAsReal(), 1.5707963267948966);
+    // Extreme integers neither overflow nor lose exactness.
+    EXPECT_EQ(Simplified(MakeFraction(INT_MIN, -1, 0), false).GetAsReal(), 2147483648.0);
+    ZorWBValue extreme = Simplified(MakeFraction(INT_MIN, -2, 1), false);
+    EXPECT_EQ(extreme.GetAsFraction().numerator, 1073741824);
+    EXPECT_EQ(extreme.GetAsFraction().denominator, 1);
+}
+
+TEST(ZorWBValue, FractionReadsAsItsRealValue) {
+    EXPECT_DOUBLE_EQ(MakeFraction(1, 180, 1).GetAsReal(), 3.141592653589793 / 180);
+    EXPECT_DOUBLE_EQ(MakeFraction(180, 1, -1).GetAsReal(), 180 / 3.141592653589793);
+    EXPECT_EQ(MakeFraction(3, 0, 0).GetAsReal(), ZorWBRealMinusInfinity);
+    EXPECT_EQ(MakeFraction(1, 2, 0).GetAsBoolean(), ZorWBTrue);
+    EXPECT_EQ(MakeFraction(0, 2, 0).GetAsBoolean(), ZorWBFalse);
+}
+
+TEST(ZorWBValue, BooleanReadingOfIntegerSets) {
+    EXPECT_EQ(ZorWBValue(ZorWBIntegerInterval{0, 0}).GetAsBoolean(), ZorWBFalse);
+    EXPECT_EQ(ZorWBValue(ZorWBIntegerInterval{1, 4}).GetAsBoolean(), ZorWBTrue);
+    EXPECT_EQ(ZorWBValue(ZorWBIntegerInterval{-1, 1}).GetAsBoolean(), ZorWBUnknown);
+    EXPECT_EQ(ZorWBValue(ZorWBIntegerInterval{3, 2}).GetAsBoolean(), ZorWBEmpty);
+    EXPECT_EQ(ZorWBValue().GetAsBoolean(), ZorWBUnknown);
+    EXPECT_EQ(ZorWBValue(-4).GetAsBoolean(), ZorWBTrue);
+    EXPECT_EQ(ZorWBValue(0).GetAsBoolean(), ZorWBFalse);
+    const int elements[] = {2, 5, 9};
+    ZorWBValue enumeration;
+    enumeration.Set(3, elements);
+    EXPECT_EQ(enumeration.GetAsBoolean(), ZorWBTrue);
+    EXPECT_EQ(ZorWBValue(ZorWBIntegerEnum(ZorWBEnumNil)).GetAsBoolean(), ZorWBEmpty);
+    EXPECT_EQ(ZorWBValue(ZorWBIntegerEnum(ZorWBEnumAny)).GetAsBoolean(), ZorWBUnknown);
+}
+
+TEST(ZorWBValue, ConvertibilityTable) {
+    const ZorWBValue samples[] = {ZorWBValue(),
+                                  ZorWBValue(1),
+                                  ZorWBValue(1.5),
+                                  ZorWBValue(ZorWBIntegerInterval{1, 2}),
+                                  ZorWBValue(ZorWBRealInterval{1, 2}),
+                                  ZorWBValue(ZorWBIntegerEnum()),
+                                  ZorWBValue(ZorWBRealEnum()),
+                                  ZorWBValue(ZorWBTrue),
+                                  MakeFraction(1, 2, 0)};
+    // Rows: the value's kind 0..8; columns: the target kind 0..8.
+    const bool expected[9][9] = {
+        {1, 0, 0, 1, 1, 0, 0, 0, 0}, {0, 1, 1, 1, 1, 0, 0, 1, 0}, {0, 0, 1, 1, 1, 0, 0, 0, 0},
+        {0, 0, 0, 1, 1, 0, 0, 1, 0}, {0, 0, 0, 1, 1, 0, 0, 0, 0}, {0, 0, 0, 1, 1, 1, 0, 1, 0},
+        {0, 0, 0, 1, 1, 0, 1, 0, 0}, {0, 1, 0, 1, 0, 0, 0, 1, 0}, {0, 0, 0, 1, 1, 0, 0, 0, 1},
+    };
+    for (int kind = 0; kind < 9; ++kind) {
+        ASSERT_EQ(samples[kind].GetType(), kind);
+        for (int target = 0; target < 9; ++target) {
+            EXPECT_EQ(samples[kind].IsConvertible(static_cast<ZorWBValueType>(target)),
+                      expected[kind][target])
+                << "kind " << kind << " to " << target;
+        }
+    }
+}
+
+TEST(ZorWBValue, ConversionsBetweenNumberKinds) {
+    EXPECT_EQ(ZorWBValue(ZorWBTrue).GetAsInteger(), 1);
+    EXPECT_EQ(ZorWBValue(7).GetAsReal(), 7.0);
+    EXPECT_EQ(ZorWBValue(2147483647).GetAsReal(), ZorWBRealPlusInfinity);
+    ZorWBIntegerInterval unknown = ZorWBValue(ZorWBUnknown).GetAsIntegerInterval();
+    EXPECT_EQ(unknown.low, 0);
+    EXPECT_EQ(unknown.high, 1);
+    ZorWBIntegerInterval inside =
+        ZorWBValue(ZorWBRealInterval{0.5, 3.0000000000000004}).GetAsIntegerInterval();
+    EXPECT_EQ(inside.low, 1);
+    EXPECT_EQ(inside.high, 3);
+    ZorWBIntegerInterval whole = ZorWBValue(ZorWBReal_Any).GetAsIntegerInterval();
+    EXPECT_EQ(whole.low, -ZorWBIntegerMax);
+    EXPECT_EQ(whole.high, ZorWBIntegerMax);
+    ZorWBRealInterval widened = ZorWBValue(ZorWBInteger_Any).GetAsRealInterval();
+    EXPECT_EQ(widened.low, -ZorWBRealLimit);
+    EXPECT_EQ(widened.high, ZorWBRealLimit);
+    ZorWBRealInterval empty = ZorWBValue(ZorWBInteger_Nil).GetAsRealInterval();
+    EXPECT_GT(empty.low, empty.high);
+    EXPECT_EQ(ZorWBValue(ZorWBRealInterval{1, 3}).GetAsReal(), 2.0);
+    EXPECT_EQ(ZorWBValue(2.6).GetAsInteger(), 3);
+    EXPECT_EQ(ZorWBValue(1e300).GetAsInteger(), ZorWBIntegerPlusInfinity);
+    EXPECT_EQ(ZorWBValue(NAN).GetAsInteger(), 0);
+    EXPECT_EQ(ZorWBValue(ZorWBRealInterval{NAN, 1}).GetAsIntegerInterval().low,
+              ZorWBInteger_Nil.low);
+}
+
+TEST(ZorWBValue, EnumerationConversions) {
+    ZorWBIntegerEnum integers;
+    ZorWBValue(ZorWBIntegerInterval{3, 6}).GetAsIntegerEnum(integers);
+    EXPECT_EQ(integers.GetRep(), ZorWBEnumInterval);
+    const double reals[] = {2.0, 0.5, 1.0, 2.0};
+    ZorWBValue realList;
+    realList.Set(4, reals);
+    EXPECT_EQ(realList.GetRealEnum().GetSize(), 3) << "sorted without repeats";
+    EXPECT_EQ(realList.GetRealEnum().Get(0), 0.5);
+    realList.GetAsIntegerEnum(integers);
+    EXPECT_EQ(integers.GetRep(), ZorWBEnumList);
+    EXPECT_EQ(integers.GetSize(), 2);
+    EXPECT_EQ(integers.Get(0), 1);
+    ZorWBRealEnum realsOut;
+    ZorWBValue(4).GetAsRealEnum(realsOut);
+    EXPECT_EQ(realsOut.GetSize(), 1);
+    EXPECT_EQ(realsOut.Get(0), 4.0);
+    ZorWBValue(ZorWBInteger_Nil).GetAsRealEnum(realsOut);
+    EXPECT_TRUE(realsOut.IsNil());
+    ZorWBValue().GetAsRealEnum(realsOut);
+    EXPECT_TRUE(realsOut.IsAny());
+
+    ZorWBValue nothing;
+    nothing.Set(0, static_cast<const int*>(nullptr));
+    EXPECT_EQ(nothing.GetType(), ZorWBIntegerEnumType);
+    EXPECT_EQ(nothing.GetIntegerEnum().GetSize(), 0);
+}
+
+TEST(ZorWBValue, SetIndefiniteWidensOnlySetKinds) {
+    ZorWBValue interval(ZorWBIntegerInterval{1, 2});
+    interval.SetIndefinite();
+    EXPECT_EQ(interval.GetAsIntegerInterval().low, ZorWBInteger_Any.low);
+    ZorWBValue boolean(ZorWBTrue);
+    boolean.SetIndefinite();
+    EXPECT_EQ(boolean.GetAsBoolean(), ZorWBUnknown);
+    ZorWBValue integer(5);
+    integer.SetIndefinite();
+    EXPECT_EQ(integer.GetAsInteger(), 5);
+    const double reals[] = {1.0};
+    ZorWBValue list;
+    list.Set(1, reals);
+    list.SetIndefinite();
+    EXPECT_TRUE(list.GetRealEnum().IsAny());
+}
+
+TEST(ZorWBValue, AssignKeepsTheKindOfTheTarget) {
+    ZorWBEnvironment environment(0);
+    ZorWBValue integer(ZorWBIntegerType);
+    integer.Assign(environment, ZorWBValue(ZorWBTrue));
+    EXPECT_EQ(integer.GetAsInteger(), 1);
+    EXPECT_EQ(integer.GetEnvironment(), &environment);
+
+    ZorWBValue list(ZorWBIntegerEnumType);
+    list.Assign(environment, ZorWBValue(ZorWBIntegerInterval{3, 5}));
+    ASSERT_EQ(list.GetIntegerEnum().GetRep(), ZorWBEnumList) << "narrow intervals are expanded";
+    EXPECT_EQ(list.GetIntegerEnum().GetSize(), 3);
+
+    ZorWBValue wide(ZorWBIntegerEnumType);
+    wide.Assign(environment, ZorWBValue(ZorWBIntegerInterval{0, 50}));
+    EXPECT_EQ(wide.GetIntegerEnum().GetRep(), ZorWBEnumInterval);
+
+    ZorWBValue reals(ZorWBRealEnumType);
+    reals.Assign(environment, ZorWBValue(ZorWBIntegerInterval{1, 2}));
+    ASSERT_EQ(reals.GetRealEnum().GetRep(), ZorWBEnumList);
+    EXPECT_EQ(reals.GetRealEnum().Get(1), 2.0);
+    reals.Assign(environment, ZorWBValue(ZorWBRealInterval{1, 0}));
+    EXPECT_TRUE(reals.GetRealEnum().IsNil());
+
+    ZorWBValue fraction = MakeFraction(1, 3, 0);
+    fraction.Assign(environment, ZorWBValue(2.5));
+    EXPECT_EQ(fraction.GetType(), ZorWBRealType);
+    ZorWBValue fractionKept = MakeFraction(1, 3, 0);
+    fractionKept.Assign(environment, ZorWBValue(ZorWBTrue));
+    EXPECT_TRUE(fractionKept.IsAFraction());
+
+    ZorWBValue undefined;
+    undefined.Assign(environment, ZorWBValue(3));
+    EXPECT_EQ(undefined.GetType(), ZorWBUndefinedType);
+    undefined.AssignWithType(environment, ZorWBValue(3));
+    EXPECT_EQ(undefined.GetAsInteger(), 3);
+    ZorWBValue real(1.5);
+    real.AssignWithType(environment, ZorWBValue(ZorWBIntegerInterval{4, 4}));
+    EXPECT_EQ(real.GetType(), ZorWBRealType) << "a defined value keeps its kind";
+    EXPECT_EQ(real.GetAsReal(), 4.0);
+}
+
+TEST(ZorWBValue, RecordsTheFirstEnvironmentOnly) {
+    ZorWBEnvironment first(0), second(0);
+    ZorWBValue value(1);
+    value.RecordEnv(first);
+    value.RecordEnv(second);
+    EXPECT_EQ(value.GetEnvironment(), &first);
+    value.UpdateEnv(second);
+    EXPECT_EQ(value.GetEnvironment(), &second);
+}
+
+TEST(ZorWBValue, CopiesCarryEnumerationsOnlyForEnumerationKinds) {
+    const int elements[] = {1, 2, 3};
+    ZorWBValue list;
+    list.Set(3, elements);
+    ZorWBValue copy(list);
+    EXPECT_EQ(copy.GetIntegerEnum().GetSize(), 3);
+    copy = ZorWBValue(4);
+    EXPECT_TRUE(copy.GetIntegerEnum().IsAny());
+    EXPECT_EQ(copy.GetAsInteger(), 4);
+    ZorWBValue moved(std::move(list));
+    EXPECT_EQ(moved.GetIntegerEnum().GetSize(), 3);
+    std::unique_ptr<ZorWBValue> clone(moved.Clone());
+    EXPECT_EQ(clone->GetIntegerEnum().Get(2), 3);
+    EXPECT_EQ(moved.GetMiddle(), 2.0);
+    EXPECT_EQ(moved.GetWidth(), 2.0);
+    EXPECT_EQ(ZorWBValue(ZorWBRealInterval{-5, 3}).GetMAG(), 5.0);
+}
+
+TEST(ZorWBValue, ScalarKindsNeverTouchTheHeap) {
+    std::size_t before = AllocationCount();
+    ZorWBValue values[] = {ZorWBValue(3),
+                           ZorWBValue(2.5),
+                           ZorWBValue(ZorWBIntegerInterval{1, 2}),
+                           ZorWBValue(ZorWBRealInterval{1, 2}),
+                           ZorWBValue(ZorWBUnknown),
+                           MakeFraction(1, 2, 1)};
+    for (const ZorWBValue& value : values) {
+        ZorWBValue copy(value);
+        ZorWBValue assigned;
+        assigned = copy;
+        assigned = ZorWBValue(7);
+        assigned.Set(1.5);
+        ZorWBValue moved(std::move(copy));
+        (void)moved.GetAsRealInterval();
+        (void)moved.GetAsBoolean();
+    }
+    EXPECT_EQ(AllocationCount(), before);
+}
+
+TEST(ZorWBValue, GeneratedConversionsAgreeWithEachOther) {
+    std::mt19937 random(11);
+    std::uniform_int_distribution<int> integers(-1000, 1000);
+    for (int i = 0; i < 2000; ++i) {
+        int low = integers(random), high = integers(random);
+        if (low > high) std::swap(low, high);
+        ZorWBValue interval(ZorWBIntegerInterval{low, high});
+        ZorWBRealInterval asReal = interval.GetAsRealInterval();
+        ASSERT_EQ(asReal.low, low);
+        ASSERT_EQ(asReal.high, high);
+        ZorWBIntegerInterval back = ZorWBValue(asReal).GetAsIntegerInterval();
+        ASSERT_EQ(back.low, low);
+        ASSERT_EQ(back.high, high);
+        ZorWBBoolean expected = low == 0 && high == 0   ? ZorWBFalse
+                                : (low > 0 || high < 0) ? ZorWBTrue
+                                                        : ZorWBUnknown;
+        ASSERT_EQ(interval.GetAsBoolean(), expected);
+        int numerator = integers(random), denominator = integers(random);
+        if (denominator == 0) continue;
+        ZorWBValue fraction = Simplified(MakeFraction(numerator, denominator, 0), false);
+        ASSERT_DOUBLE_EQ(fraction.GetAsReal(), static_cast<double>(numerator) / denominator);
+    }
+}

@@ -1,0 +1,25 @@
+#ifndef TESTS_WBX_RUNNER_H
+#define TESTS_WBX_RUNNER_H
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "WbxCommand.h"
+
+// The outcome of one in-process run of the tool.
+struct WbxRun {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+// Runs "wbx ARGUMENTS..." in this process and captures both streams.
+inline WbxRun RunWbx(std::vector<const char*> arguments) {
+    arguments.insert(arguments.begin(), "wbx");
+    std::ostringstream out, err;
+    int status = WbxMain(static_cast<int>(arguments.size()), arguments.data(), out, err);
+    return {status, out.str(), err.str()};
+}
+
+#endif

@@ -1,0 +1,39 @@
+#ifndef WBX_COMMAND_H
+#define WBX_COMMAND_H
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+// Exit statuses of the tool.
+namespace WbxExit {
+constexpr int Success = 0;
+constexpr int Failure = 1;  // diagnostics found, relation violated, replay differs
+constexpr int Usage = 2;    // bad command line, unreadable file, bad value
+}  // namespace WbxExit
+
+// What a command sees: its arguments (after the command name) and the two
+// output streams.
+struct WbxContext {
+    std::vector<std::string> arguments;
+    std::ostream& out;
+    std::ostream& err;
+};
+
+using WbxCommandFunction = int (*)(WbxContext& context);
+
+struct WbxCommand {
+    const char* name;
+    const char* usage;
+    const char* summary;
+    WbxCommandFunction run;
+};
+
+// The tool's entry point, callable in-process by tests.
+int WbxMain(int argc, const char* const* argv, std::ostream& out, std::ostream& err);
+
+// Writes "wbx: " and the message on the error stream and returns the usage
+// status, the common ending of a command that cannot run.
+int WbxUsageError(WbxContext& context, const std::string& message);
+
+#endif

@@ -1,0 +1,54 @@
+#include <cstring>
+
+#include "WbxCommand.h"
+#include "qel/ZorQelGlobalParameters.h"
+
+namespace {
+
+int ShowHelp(WbxContext& context);
+int ShowVersion(WbxContext& context);
+
+const WbxCommand Commands[] = {
+    {"--help", "wbx --help", "lists the commands", ShowHelp},
+    {"--version", "wbx --version", "prints the library version and the default behaviour level",
+     ShowVersion},
+};
+
+int ShowHelp(WbxContext& context) {
+    context.out << "usage: wbx COMMAND [ARGUMENTS]\n\ncommands:\n";
+    for (const WbxCommand& command : Commands) {
+        context.out << "  " << command.usage << "\n      " << command.summary << "\n";
+    }
+    return WbxExit::Success;
+}
+
+int ShowVersion(WbxContext& context) {
+    unsigned int level =
+        ZorQelGlobalParameters::GetGlobalParameters().GetQelFullOpenConfigurationLevel();
+    context.out << "wbx (ZorWBx) " << ZORWBX_VERSION_TEXT << "\n";
+    context.out << "default behaviour level: 0x" << std::hex << level << std::dec << " (" << level
+                << ")\n";
+    return WbxExit::Success;
+}
+
+}  // namespace
+
+int WbxUsageError(WbxContext& context, const std::string& message) {
+    context.err << "wbx: " << message << "\n";
+    return WbxExit::Usage;
+}
+
+int WbxMain(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
+    WbxContext context{{}, out, err};
+    if (argc < 2 || !argv || !argv[1]) {
+        ShowHelp(context);
+        return WbxExit::Usage;
+    }
+    for (int i = 2; i < argc; ++i)
+        context.arguments.emplace_back(argv[i] ? argv[i] : "");
+    for (const WbxCommand& command : Commands) {
+        if (std::strcmp(command.name, argv[1]) == 0) return command.run(context);
+    }
+    return WbxUsageError(context,
+                         std::string("unknown command '") + argv[1] + "' (see wbx --help)");
+}
