@@ -71,3 +71,9 @@ void ZorQelStream::Flush() {
     if (_target == File) std::fflush(_file);
     if (_target == StandardOutput) std::fflush(stdout);
 }
+
+bool ZorQelStream::WriteSections(ZorQelStorage::ReplayPart part) {
+    bool written = Write(_storage.WritePart(part));
+    _storage.RemoveSections(part);
+    return written;
+}

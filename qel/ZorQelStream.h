@@ -5,10 +5,12 @@
 #include <string>
 
 #include "qel/ZorQelExport.h"
+#include "qel/ZorQelStorage.h"
 #include "qel/ZorQelString.h"
 
 // An output stream for traces, dumps and replays: a file of its own, the
-// standard output, or a text in memory.
+// standard output, or a text in memory. A stream also carries the replay
+// storage that operators fill with sections before writing them.
 class ZORQEL_API ZorQelStream {
   public:
     enum Target { Closed, File, StandardOutput, Memory };
@@ -41,10 +43,17 @@ class ZORQEL_API ZorQelStream {
         return _memory;
     }
 
+    ZorQelStorage& GetStorage() {
+        return _storage;
+    }
+    // Writes the sections of one part of the storage, then drops them from it.
+    bool WriteSections(ZorQelStorage::ReplayPart part);
+
   private:
     Target _target = Closed;
     std::FILE* _file = nullptr;
     std::string _memory;
+    ZorQelStorage _storage;
 };
 
 #endif

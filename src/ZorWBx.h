@@ -6,8 +6,11 @@
 #include "ZorWBxExport.h"
 
 #include "qel/ZorQelArray.h"
+#include "qel/ZorQelExpressionTerm.h"
 #include "qel/ZorQelGetEnv.h"
 #include "qel/ZorQelGlobalParameters.h"
+#include "qel/ZorQelOperator.h"
+#include "qel/ZorQelStorage.h"
 #include "qel/ZorQelStream.h"
 #include "qel/ZorQelString.h"
 
