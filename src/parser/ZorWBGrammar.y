@@ -244,13 +244,13 @@ equations.opt:
     ;
 
 equation:
-    expression ";"
+    expression TOKEN_SEMICOLON
         { if ($1) AddEquation(equationIds, model.AddEquation($1)); }
-  | expression equation_type expression ";"
+  | expression equation_type expression TOKEN_SEMICOLON
         { AddEquation(equationIds, model.AddEquation(At(@$), $1, $2, $3)); }
   | TOKEN_IF "left bracket" conditions "right bracket" TOKEN_THEN
     "left bracket" expression equation_type expression "right bracket" TOKEN_ELSE
-    "left bracket" expression equation_type expression "right bracket" ";"
+    "left bracket" expression equation_type expression "right bracket" TOKEN_SEMICOLON
         {
             if ($3 && $7 && $9 && $13 && $15 && $8 == $14 && $7->IsEqual($13)) {
                 ZorWBNodeList children;
@@ -262,7 +262,7 @@ equation:
                 AddEquation(equationIds, model.AddEquation(At(@$), $7, $8, choice));
             }
         }
-  | error ";"
+  | error TOKEN_SEMICOLON
         { yyerrok; }
     ;
 
