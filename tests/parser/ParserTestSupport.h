@@ -30,7 +30,8 @@ struct ParsedText {
         output = testing::internal::GetCapturedStdout();
     }
     ~ParsedText() {
-        for (ZorWBBlackBox* blackBox : blackBoxes) delete blackBox;
+        for (ZorWBBlackBox* blackBox : blackBoxes)
+            delete blackBox;
     }
 
     // Every error as "code (l,c,l,c)", in order of report.
@@ -47,7 +48,8 @@ struct ParsedText {
 
     ZorWBEqNode* Equation(int index) const {
         ZorWBEqNode* equation = model.GetFirstEquation();
-        for (int i = 0; i < index && equation; ++i) equation = equation->GetNext();
+        for (int i = 0; i < index && equation; ++i)
+            equation = equation->GetNext();
         return equation;
     }
 
