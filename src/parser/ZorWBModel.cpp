@@ -102,11 +102,15 @@ std::size_t ZorWBModel::BlackBoxCallKey(const ZorQelString& name, const ZorWBNod
 ZorWBOpNode* ZorWBModel::DeclareBlackBox(const ZorWBLocation& location, ZorWBBlackBox* blackBox,
                                          const ZorWBNodeList& arguments) {
     if (!blackBox) return nullptr;
+    // Only the first of equal calls is listed: repeats would pile up under one
+    // key and make every later lookup slower.
+    bool repeated = GetBBxOp(blackBox->GetName(), arguments) != nullptr;
     ZorWBOpNode* node = MakeOperator(location, ZorWBExpressionType::BlackBox, ZorWBNoComparison,
                                      arguments, blackBox);
     if (!node) return nullptr;
     try {
-        _blackBoxCalls.emplace(BlackBoxCallKey(blackBox->GetName(), arguments), node);
+        if (!repeated)
+            _blackBoxCalls.emplace(BlackBoxCallKey(blackBox->GetName(), arguments), node);
         if (_declaredSet.insert(blackBox).second) _declaredBlackBoxes.push_back(blackBox);
     } catch (...) {
         return nullptr;

@@ -36,7 +36,8 @@ class ZorWBParserMessenger;
 //   on known kinds: a side whose kind is Unsolved cannot be judged (any
 //   function or power is Unsolved, and "sin(30 deg) = x" must stay
 //   acceptable), and an Inhomogeneous side has been reported at its
-//   operator already.
+//   operator already. The judgement is asymmetric by design: "x = 5 mm;"
+//   passes while "5 mm = x;" and "x = 30 deg;" are reported.
 class ZORWBX_API ZorWBModelCheck : public ZorWBVisitor {
   public:
     ZorWBModelCheck(ZorWBModel* model, ZorWBParserMessenger* messenger);
