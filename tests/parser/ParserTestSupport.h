@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,24 @@ struct ParsedText {
     }
 
     std::string Printed() const { return ZorWBModelPrinter::Print(model).GetString(); }
+};
+
+// Switches the process to a decimal-comma locale for one scope.
+class DecimalCommaLocale {
+  public:
+    DecimalCommaLocale() {
+        for (const char* name : {"de_DE.UTF-8", "de_DE.utf8"}) {
+            if (std::setlocale(LC_ALL, name)) {
+                _active = true;
+                return;
+            }
+        }
+    }
+    ~DecimalCommaLocale() { std::setlocale(LC_ALL, "C"); }
+    bool IsActive() const { return _active; }
+
+  private:
+    bool _active = false;
 };
 
 // The structure of a subtree, for exact comparisons: operators by their type

@@ -1,4 +1,3 @@
-#include <clocale>
 #include <cmath>
 #include <cstdlib>
 #include <random>
@@ -15,24 +14,6 @@ const ZorWBValue* OnlyValue(const ParsedText& parsed) {
     if (!equation || equation->GetLeftTerm()->GetNodeKind() != ZorWBConstantNode) return nullptr;
     return &static_cast<ZorWBConstNode*>(equation->GetLeftTerm())->GetValue();
 }
-
-// Switches the process to a decimal-comma locale for one scope.
-class DecimalCommaLocale {
-  public:
-    DecimalCommaLocale() {
-        for (const char* name : {"de_DE.UTF-8", "de_DE.utf8"}) {
-            if (std::setlocale(LC_ALL, name)) {
-                _active = true;
-                return;
-            }
-        }
-    }
-    ~DecimalCommaLocale() { std::setlocale(LC_ALL, "C"); }
-    bool IsActive() const { return _active; }
-
-  private:
-    bool _active = false;
-};
 
 }  // namespace
 
