@@ -263,6 +263,8 @@ equation:
             }
         }
   | error TOKEN_SEMICOLON
+        /* Reporting resumes at once, so that an error in the very next
+           statement is reported too. */
         { yyerrok; }
     ;
 
