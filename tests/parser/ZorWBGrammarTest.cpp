@@ -3,6 +3,7 @@
 #include <string>
 
 #include "ParserTestSupport.h"
+#include "RandomModelText.h"
 
 namespace {
 
@@ -230,6 +231,22 @@ TEST(ZorWBGrammar, LongLeftChainsNeedNoParserStack) {
     parsed.Equation(0)->FillPresentVariables(names);
     EXPECT_EQ(names.GetSize(), 2);
     EXPECT_FALSE(parsed.Equation(0)->GetRightTerm()->IsConstant());
+}
+
+TEST(ZorWBGrammar, DamagedStatementsRecoverAndFreeTheirValues) {
+    // Valid statements with a few characters dropped: the parser recovers at
+    // each semi-colon, and every identifier text or argument list that the
+    // recovery discards is freed (the sanitizer build checks this).
+    RandomModelText generator(99);
+    std::mt19937 random(4);
+    for (int i = 0; i < 1500; ++i) {
+        std::string text = generator.Statement(3) + "\n" + generator.Statement(2);
+        for (int cut = 1 + static_cast<int>(random() % 3); cut > 0 && !text.empty(); --cut)
+            text.erase(random() % text.size(), 1 + random() % 4);
+        ParsedText parsed(text.c_str());
+        EXPECT_EQ(parsed.ids.GetSize(), parsed.model.GetNbOfEquations());
+        EXPECT_LE(parsed.model.GetNbOfEquations(), 2);
+    }
 }
 
 TEST(ZorWBGrammar, RandomBytesNeverBreakTheParser) {
