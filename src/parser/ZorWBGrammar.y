@@ -1,0 +1,447 @@
+/* The grammar of the equation language. It builds a ZorWBModel through the
+ * model's creation operations, appends the id of every equation it adds to
+ * the caller's array, reports syntax errors to the messenger, and hands each
+ * black box it declares to the caller's list (or, without a list, to the
+ * model). Nodes belong to the model; the only heap values on the parser's
+ * stack are identifier texts and argument lists, which the rule consuming
+ * them frees, and which the destructors below free when error recovery or
+ * an abort discards them. */
+
+%require "3.2"
+%define api.pure full
+%define api.prefix {zorwb_yy}
+%define parse.error verbose
+%locations
+
+%code requires {
+#include "expressions/ZorWBBlackBox.h"
+#include "expressions/ZorWBEquationType.h"
+#include "expressions/ZorWBExpressionType.h"
+#include "parser/ZorWBModel.h"
+#include "parser/ZorWBParserMessenger.h"
+#include "qel/ZorQelArray.h"
+
+#ifndef YY_TYPEDEF_YY_SCANNER_T
+#define YY_TYPEDEF_YY_SCANNER_T
+typedef void* yyscan_t;
+#endif
+
+/* The depth of the parser's stack: a text nested deeper (brackets, unary
+ * minus signs, powers, function calls, conditions) is refused with "memory
+ * exhausted" instead of growing the stack further. */
+#define ZORWB_PARSER_MAX_DEPTH 10000
+}
+
+%code provides {
+int zorwb_yylex(ZORWB_YYSTYPE* value, ZORWB_YYLTYPE* location, yyscan_t scanner);
+}
+
+%code {
+#include <new>
+
+#include "parser/ZorWBLocation.h"
+#include "parser/ZorWBNode.h"
+#include "values/ZorWBFraction.h"
+#include "values/ZorWBValue.h"
+
+#define YYMAXDEPTH ZORWB_PARSER_MAX_DEPTH
+
+namespace {
+
+ZorWBLocation At(const ZORWB_YYLTYPE& location) {
+    return ZorWBLocation(location.first_line, location.first_column, location.last_line,
+                         location.last_column);
+}
+
+ZorWBValue PiValue() {
+    return ZorWBValue(ZorWBCreateFraction(1, 1, 1, 0));
+}
+
+// A new heap list, null when memory is short.
+ZorWBNodeList* NewList() {
+    return new (std::nothrow) ZorWBNodeList();
+}
+
+bool Append(ZorWBNodeList* list, ZorWBNode* node) {
+    if (!list) return false;
+    try {
+        list->Add(node);
+    } catch (...) {
+        return false;
+    }
+    return true;
+}
+
+bool IsComplete(const ZorWBNodeList* list) {
+    if (!list) return false;
+    for (ZorWBNode* node : *list) {
+        if (!node) return false;
+    }
+    return true;
+}
+
+ZorWBOpNode* Operator(ZorWBModel& model, const ZORWB_YYLTYPE& location, ZorWBExpressionType type,
+                      ZorWBNode* first, ZorWBNode* second,
+                      ZorWBComparisonType comparison = ZorWBNoComparison) {
+    if (!first || !second) return nullptr;
+    ZorWBNodeList children;
+    children.Add(first);
+    children.Add(second);
+    return model.CreateOperator(At(location), type, comparison, children);
+}
+
+ZorWBOpNode* Operator(ZorWBModel& model, const ZORWB_YYLTYPE& location, ZorWBExpressionType type,
+                      ZorWBNode* operand) {
+    if (!operand) return nullptr;
+    ZorWBNodeList children;
+    children.Add(operand);
+    return model.CreateOperator(At(location), type, children);
+}
+
+// A comparison of a condition: NotEqual for !=, LessEqual with the
+// comparison type of <=, <, >= or > otherwise.
+ZorWBOpNode* Comparison(ZorWBModel& model, const ZORWB_YYLTYPE& location, ZorWBNode* left,
+                        ZorWBEquationType relation, ZorWBNode* right) {
+    switch (relation) {
+        case ZorWBNotEqualZero:
+            return Operator(model, location, ZorWBExpressionType::NotEqual, left, right);
+        case ZorWBLessEqualZero:
+            return Operator(model, location, ZorWBExpressionType::LessEqual, left, right,
+                            ZorWBComparisonLessEqual);
+        case ZorWBLessZero:
+            return Operator(model, location, ZorWBExpressionType::LessEqual, left, right,
+                            ZorWBComparisonLess);
+        case ZorWBGreaterEqualZero:
+            return Operator(model, location, ZorWBExpressionType::LessEqual, left, right,
+                            ZorWBComparisonGreaterEqual);
+        case ZorWBGreaterZero:
+            return Operator(model, location, ZorWBExpressionType::LessEqual, left, right,
+                            ZorWBComparisonGreater);
+        default:
+            return nullptr;
+    }
+}
+
+void AddEquation(ZorQelIntArray& ids, ZorWBEqNode* equation) {
+    if (equation) ids.Add(equation->GetId());
+}
+
+// A quantity with Pi: the number (or bracketed node) times Pi, Pi carrying
+// the unit when one is written.
+ZorWBNode* TimesPi(ZorWBModel& model, const ZORWB_YYLTYPE& location, ZorWBNode* factor,
+                   const char* unit, const ZORWB_YYLTYPE* unitLocation) {
+    ZorWBNode* pi = unit ? model.CreateConstant(At(location), PiValue(), At(*unitLocation), unit)
+                         : model.CreateConstant(At(location), PiValue());
+    return Operator(model, location, ZorWBExpressionType::Product, factor, pi);
+}
+
+// A call of a function the library does not know: a black-box node. A call
+// equal to an earlier one (same name, equal arguments) calls the same black
+// box through a node of its own, so that the model stays a tree; otherwise
+// a new black box named after the function is declared.
+ZorWBNode* BlackBoxCall(ZorWBModel& model, ZorQelListPZorWBBlackBox* blackBoxes,
+                        const ZORWB_YYLTYPE& location, const char* name,
+                        const ZorWBNodeList* arguments) {
+    if (!name || !IsComplete(arguments)) return nullptr;
+    if (ZorWBOpNode* known = model.GetBBxOp(name, *arguments))
+        return model.DeclareBlackBox(At(location), known->GetBlackBox(), *arguments);
+    ZorWBBBx* blackBox = new (std::nothrow) ZorWBBBx(ZorQelString(name));
+    if (!blackBox) return nullptr;
+    ZorWBOpNode* call = model.DeclareBlackBox(At(location), blackBox, *arguments);
+    bool handed = false;
+    if (call && blackBoxes) {
+        try {
+            blackBoxes->Add(blackBox);
+            handed = true;
+        } catch (...) {
+        }
+    }
+    if (!handed) model.AdoptBlackBox(blackBox);
+    return call;
+}
+
+}  // namespace
+
+void zorwb_yyerror(ZORWB_YYLTYPE* location, yyscan_t scanner, ZorWBModel& model,
+                   ZorQelIntArray& equationIds, ZorWBParserMessenger& messenger,
+                   ZorQelListPZorWBBlackBox* blackBoxes, const char* message);
+}
+
+%param {yyscan_t scanner}
+%parse-param {ZorWBModel& model} {ZorQelIntArray& equationIds}
+%parse-param {ZorWBParserMessenger& messenger} {ZorQelListPZorWBBlackBox* blackBoxes}
+
+%initial-action {
+    @$.first_line = 1;
+    @$.first_column = 0;
+    @$.last_line = 1;
+    @$.last_column = 0;
+}
+
+%union {
+    int integer;
+    double real;
+    char* text;
+    ZorWBNode* node;
+    ZorWBNodeList* list;
+    ZorWBExpressionType operatorType;
+    ZorWBEquationType equationType;
+}
+
+%token TOKEN_END 0 "end of input"
+%token <operatorType> TOKEN_BUILTIN_FUNC
+%token <text> TOKEN_IDENTIFIER "identifier"
+%token <integer> TOKEN_INTEGER "integer"
+%token <real> TOKEN_REAL "real"
+%token TOKEN_ASSIGN "="
+%token TOKEN_LT
+%token TOKEN_LE
+%token TOKEN_NE "!="
+%token TOKEN_NOT "!"
+%token TOKEN_EQ "=="
+%token TOKEN_GT
+%token TOKEN_GE
+%token TOKEN_LEFT "left bracket"
+%token TOKEN_RIGHT "right bracket"
+%token TOKEN_EMPTYPAREN
+%token TOKEN_PLUS "+"
+%token TOKEN_MINUS "-"
+%token TOKEN_TIMES "x"
+%token TOKEN_DIVIDE "/"
+%token TOKEN_COMMA
+%token TOKEN_SEMICOLON "semi-colon"
+%token TOKEN_HAT
+%token TOKEN_AND
+%token TOKEN_OR
+%token TOKEN_IF
+%token TOKEN_THEN
+%token TOKEN_ELSE
+%token TOKEN_PI "Pi"
+%token UNARY_MINUS
+
+%left "+" "-"
+%left "x" "/"
+%precedence UNARY_MINUS
+%right TOKEN_HAT
+
+%type <node> expression conditions condition
+%type <equationType> equation_type inequality_type
+%type <operatorType> boolean_relation
+%type <list> function_args.opt function_args
+
+%destructor { delete[] $$; } <text>
+%destructor { delete $$; } <list>
+
+%%
+
+model:
+    equations.opt
+    ;
+
+equations.opt:
+    %empty
+  | equations.opt equation
+    ;
+
+equation:
+    expression TOKEN_SEMICOLON
+        { if ($1) AddEquation(equationIds, model.AddEquation($1)); }
+  | expression equation_type expression TOKEN_SEMICOLON
+        { AddEquation(equationIds, model.AddEquation(At(@$), $1, $2, $3)); }
+  | TOKEN_IF "left bracket" conditions "right bracket" TOKEN_THEN
+    "left bracket" expression equation_type expression "right bracket" TOKEN_ELSE
+    "left bracket" expression equation_type expression "right bracket" TOKEN_SEMICOLON
+        {
+            if ($3 && $7 && $9 && $13 && $15 && $8 == $14 && $7->IsEqual($13)) {
+                ZorWBNodeList children;
+                children.Add($3);
+                children.Add($9);
+                children.Add($15);
+                ZorWBNode* choice =
+                    model.CreateOperator(At(@$), ZorWBExpressionType::IfThenElse, children);
+                AddEquation(equationIds, model.AddEquation(At(@$), $7, $8, choice));
+            }
+        }
+  | error TOKEN_SEMICOLON
+        /* Reporting resumes at once, so that an error in the very next
+           statement is reported too. */
+        { yyerrok; }
+    ;
+
+equation_type:
+    "="                 { $$ = ZorWBEqualZero; }
+  | inequality_type     { $$ = $1; }
+    ;
+
+inequality_type:
+    TOKEN_LT            { $$ = ZorWBLessZero; }
+  | TOKEN_GT            { $$ = ZorWBGreaterZero; }
+  | TOKEN_LE            { $$ = ZorWBLessEqualZero; }
+  | TOKEN_GE            { $$ = ZorWBGreaterEqualZero; }
+  | "!="                { $$ = ZorWBNotEqualZero; }
+    ;
+
+expression:
+    "integer" "Pi" "identifier"
+        {
+            $$ = TimesPi(model, @$, model.CreateConstant(At(@$), ZorWBValue($1)), $3, &@3);
+            delete[] $3;
+        }
+  | "Pi" "identifier"
+        {
+            $$ = $2 ? model.CreateConstant(At(@$), PiValue(), At(@2), $2) : nullptr;
+            delete[] $2;
+        }
+  | "integer" "identifier"
+        {
+            $$ = $2 ? model.CreateConstant(At(@$), ZorWBValue($1), At(@2), $2) : nullptr;
+            delete[] $2;
+        }
+  | "real" "identifier"
+        {
+            $$ = $2 ? model.CreateConstant(At(@$), ZorWBValue($1), At(@2), $2) : nullptr;
+            delete[] $2;
+        }
+  | "integer" "Pi"
+        { $$ = TimesPi(model, @$, model.CreateConstant(At(@$), ZorWBValue($1)), nullptr, nullptr); }
+  | "Pi"
+        { $$ = model.CreateConstant(At(@$), PiValue()); }
+  | "integer"
+        { $$ = model.CreateConstant(At(@$), ZorWBValue($1)); }
+  | "real"
+        { $$ = model.CreateConstant(At(@$), ZorWBValue($1)); }
+  | "identifier"
+        {
+            $$ = nullptr;
+            if ($1) {
+                ZorQelString name($1);
+                $$ = model.GetVariable(name, At(@1));
+                if (!$$) $$ = model.CreateVariable(At(@1), name);
+            }
+            delete[] $1;
+        }
+  | "left bracket" expression "right bracket" "identifier"
+        {
+            $$ = $2;
+            if ($$ && $4) $$->SetUnitData(At(@4), $4);
+            delete[] $4;
+        }
+  | "left bracket" expression "right bracket" "Pi" "identifier"
+        {
+            $$ = $5 ? TimesPi(model, @$, $2, $5, &@5) : nullptr;
+            delete[] $5;
+        }
+  | "left bracket" expression "right bracket" "Pi"
+        { $$ = TimesPi(model, @$, $2, nullptr, nullptr); }
+  | "left bracket" expression "right bracket"
+        { $$ = $2; }
+  | expression "+" expression
+        { $$ = Operator(model, @$, ZorWBExpressionType::Sum, $1, $3); }
+  | expression "-" expression
+        { $$ = Operator(model, @$, ZorWBExpressionType::Minus, $1, $3); }
+  | "-" expression %prec UNARY_MINUS
+        { $$ = Operator(model, @$, ZorWBExpressionType::UnaryMinus, $2); }
+  | expression "x" expression
+        { $$ = Operator(model, @$, ZorWBExpressionType::Product, $1, $3); }
+  | expression "/" expression
+        { $$ = Operator(model, @$, ZorWBExpressionType::Quotient, $1, $3); }
+  | expression TOKEN_HAT expression
+        { $$ = Operator(model, @$, ZorWBExpressionType::Power, $1, $3); }
+  | TOKEN_IF "left bracket" conditions "right bracket" TOKEN_THEN "left bracket" expression
+    "right bracket" TOKEN_ELSE "left bracket" expression "right bracket"
+        {
+            $$ = nullptr;
+            if ($3 && $7 && $11) {
+                ZorWBNodeList children;
+                children.Add($3);
+                children.Add($7);
+                children.Add($11);
+                $$ = model.CreateOperator(At(@$), ZorWBExpressionType::IfThenElse, children);
+            }
+        }
+  | TOKEN_BUILTIN_FUNC "left bracket" function_args.opt "right bracket"
+        {
+            $$ = nullptr;
+            if (IsComplete($3) && !$3->IsEmpty()) $$ = model.CreateOperator(At(@$), $1, *$3);
+            delete $3;
+        }
+  | "identifier" "left bracket" function_args.opt "right bracket"
+        {
+            $$ = BlackBoxCall(model, blackBoxes, @$, $1, $3);
+            delete[] $1;
+            delete $3;
+        }
+  | "identifier" TOKEN_EMPTYPAREN
+        {
+            ZorWBNodeList none;
+            $$ = BlackBoxCall(model, blackBoxes, @$, $1, &none);
+            delete[] $1;
+        }
+    ;
+
+conditions:
+    condition
+        { $$ = $1; }
+  | conditions boolean_relation condition
+        { $$ = Operator(model, @$, $2, $1, $3); }
+    ;
+
+condition:
+    expression "==" expression
+        { $$ = Operator(model, @$, ZorWBExpressionType::Equal, $1, $3); }
+  | expression inequality_type expression
+        { $$ = Comparison(model, @$, $1, $2, $3); }
+  | "left bracket" expression "==" expression "right bracket"
+        { $$ = Operator(model, @$, ZorWBExpressionType::Equal, $2, $4); }
+  | "left bracket" expression inequality_type expression "right bracket"
+        { $$ = Comparison(model, @$, $2, $3, $4); }
+  | "!" "left bracket" expression "==" expression "right bracket"
+        /* The negation of an equality is not kept: the node is the equality. */
+        { $$ = Operator(model, @$, ZorWBExpressionType::Equal, $3, $5); }
+  | "!" "left bracket" expression inequality_type expression "right bracket"
+        { $$ = Operator(model, @$, ZorWBExpressionType::Not, Comparison(model, @$, $3, $4, $5)); }
+    ;
+
+boolean_relation:
+    TOKEN_AND           { $$ = ZorWBExpressionType::And; }
+  | TOKEN_OR            { $$ = ZorWBExpressionType::Or; }
+    ;
+
+function_args.opt:
+    %empty
+        { $$ = NewList(); }
+  | function_args
+        { $$ = $1; }
+    ;
+
+function_args:
+    expression
+        {
+            $$ = NewList();
+            if (!Append($$, $1)) {
+                delete $$;
+                $$ = nullptr;
+            }
+        }
+  | function_args TOKEN_COMMA expression
+        {
+            $$ = $1;
+            if ($$ && !Append($$, $3)) {
+                delete $$;
+                $$ = nullptr;
+            }
+        }
+    ;
+
+%%
+
+void zorwb_yyerror(ZORWB_YYLTYPE* location, yyscan_t, ZorWBModel&, ZorQelIntArray&,
+                   ZorWBParserMessenger& messenger, ZorQelListPZorWBBlackBox*,
+                   const char* message) {
+    if (location) {
+        ZorWBLocation where = At(*location);
+        messenger.ReportError(&where, message);
+    } else {
+        messenger.ReportError(nullptr, message);
+    }
+}

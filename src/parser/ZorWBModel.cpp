@@ -1,0 +1,240 @@
+#include "parser/ZorWBModel.h"
+
+#include <functional>
+#include <new>
+
+#include "parser/ZorWBHash.h"
+#include "parser/ZorWBParserResult.h"
+#include "parser/ZorWBVisitor.h"
+
+ZorWBModel::ZorWBModel() = default;
+
+ZorWBModel::ZorWBModel(unsigned int level) : _environment(level) {}
+
+ZorWBModel::~ZorWBModel() = default;
+
+std::size_t ZorWBModel::PlaceHash::operator()(const Place& place) const {
+    std::size_t hash = std::hash<std::string>()(*place.name);
+    int values[4];
+    place.location.GetLocation(values[0], values[1], values[2], values[3]);
+    for (int value : values)
+        hash = ZorWBCombineHash(hash, std::hash<int>()(value));
+    return hash;
+}
+
+// Takes ownership of a new node; null (and the node freed) when memory is short.
+template <class Node>
+Node* ZorWBModel::Own(Node* node) {
+    if (!node) return nullptr;
+    try {
+        _nodes.emplace_back(node);
+    } catch (...) {
+        delete node;
+        return nullptr;
+    }
+    return node;
+}
+
+ZorWBConstNode* ZorWBModel::CreateConstant(const ZorWBLocation& location, const ZorWBValue& value) {
+    return Own(new (std::nothrow) ZorWBConstNode(location, &_environment, value));
+}
+
+ZorWBConstNode* ZorWBModel::CreateConstant(const ZorWBLocation& location, const ZorWBValue& value,
+                                           const ZorWBLocation& unitLocation,
+                                           const ZorQelString& unitName) {
+    ZorWBConstNode* node = CreateConstant(location, value);
+    if (node) node->SetUnitData(unitLocation, unitName);
+    return node;
+}
+
+ZorWBVarNode* ZorWBModel::CreateVariable(const ZorWBLocation& location, const ZorQelString& name) {
+    ZorWBVarNode* node = Own(new (std::nothrow) ZorWBVarNode(location, &_environment, name));
+    if (!node) return nullptr;
+    try {
+        _variablesByName[name.GetStdString()].push_back(node);
+        _variablesByPlace.emplace(Place{&node->GetName().GetStdString(), location}, node);
+    } catch (...) {
+        // The node stays owned but unlisted; the caller sees a failure.
+        return nullptr;
+    }
+    ++_nbOfVariables;
+    return node;
+}
+
+ZorWBOpNode* ZorWBModel::MakeOperator(const ZorWBLocation& location, ZorWBExpressionType type,
+                                      ZorWBComparisonType comparison, const ZorWBNodeList& children,
+                                      ZorWBBlackBox* blackBox) {
+    ZorWBOpNode* node = Own(new (std::nothrow) ZorWBOpNode(location, &_environment, type,
+                                                           comparison, children, blackBox));
+    if (!node) return nullptr;
+    for (int i = 0; i < children.GetSize(); ++i) {
+        ZorWBNode* child = children.Get(i);
+        if (!child) continue;
+        child->SetParentNode(node);
+        child->SetItsIndexAsChild(i);
+    }
+    return node;
+}
+
+ZorWBOpNode* ZorWBModel::CreateOperator(const ZorWBLocation& location, ZorWBExpressionType type,
+                                        const ZorWBNodeList& children) {
+    return CreateOperator(location, type, ZorWBNoComparison, children);
+}
+
+ZorWBOpNode* ZorWBModel::CreateOperator(const ZorWBLocation& location, ZorWBExpressionType type,
+                                        ZorWBComparisonType comparison,
+                                        const ZorWBNodeList& children) {
+    int number = static_cast<int>(type);
+    bool isOperator = number >= static_cast<int>(ZorWBExpressionType::Not) &&
+                      number < ZorWBNbOfExpressionTypes && type != ZorWBExpressionType::BlackBox;
+    if (!isOperator || comparison < ZorWBNoComparison || comparison > ZorWBComparisonGreater)
+        return nullptr;
+    return MakeOperator(location, type, comparison, children, nullptr);
+}
+
+std::size_t ZorWBModel::BlackBoxCallKey(const ZorQelString& name, const ZorWBNodeList& arguments) {
+    std::size_t key = std::hash<std::string>()(name.GetStdString());
+    for (ZorWBNode* argument : arguments)
+        key = ZorWBCombineHash(key, argument ? argument->GetShapeHash() : 0);
+    return key;
+}
+
+ZorWBOpNode* ZorWBModel::DeclareBlackBox(const ZorWBLocation& location, ZorWBBlackBox* blackBox,
+                                         const ZorWBNodeList& arguments) {
+    if (!blackBox) return nullptr;
+    // Only the first of equal calls is listed: repeats would pile up under one
+    // key and make every later lookup slower.
+    bool repeated = GetBBxOp(blackBox->GetName(), arguments) != nullptr;
+    ZorWBOpNode* node = MakeOperator(location, ZorWBExpressionType::BlackBox, ZorWBNoComparison,
+                                     arguments, blackBox);
+    if (!node) return nullptr;
+    try {
+        if (!repeated)
+            _blackBoxCalls.emplace(BlackBoxCallKey(blackBox->GetName(), arguments), node);
+        if (_declaredSet.insert(blackBox).second) _declaredBlackBoxes.push_back(blackBox);
+    } catch (...) {
+        return nullptr;
+    }
+    return node;
+}
+
+ZorWBOpNode* ZorWBModel::GetBBxOp(const ZorQelString& name, const ZorWBNodeList& arguments) const {
+    auto range = _blackBoxCalls.equal_range(BlackBoxCallKey(name, arguments));
+    for (auto it = range.first; it != range.second; ++it) {
+        ZorWBOpNode* call = it->second;
+        if (call->GetBlackBox()->GetName() != name) continue;
+        if (call->GetNbOfChildren() != arguments.GetSize()) continue;
+        bool same = true;
+        for (int i = 0; same && i < arguments.GetSize(); ++i) {
+            ZorWBNode* argument = arguments.Get(i);
+            ZorWBNode* known = call->GetChild(i);
+            same = known ? known->IsEqual(argument) : argument == nullptr;
+        }
+        if (same) return call;
+    }
+    return nullptr;
+}
+
+void ZorWBModel::AdoptBlackBox(ZorWBBlackBox* blackBox) {
+    if (!blackBox) return;
+    if (_ownedBlackBoxes.count(blackBox)) return;
+    try {
+        _ownedBlackBoxes.emplace(blackBox, std::unique_ptr<ZorWBBlackBox>(blackBox));
+    } catch (...) {
+        delete blackBox;  // cannot be kept: freed now rather than leaked
+    }
+}
+
+ZorWBEqNode* ZorWBModel::Append(ZorWBEqNode* equation) {
+    if (!equation) return nullptr;
+    try {
+        _equationsById.emplace(equation->GetId(), std::unique_ptr<ZorWBEqNode>(equation));
+    } catch (...) {
+        delete equation;
+        return nullptr;
+    }
+    ++_nextEquationId;
+    equation->_prev = _lastEquation;
+    if (_lastEquation)
+        _lastEquation->_next = equation;
+    else
+        _firstEquation = equation;
+    _lastEquation = equation;
+    return equation;
+}
+
+ZorWBEqNode* ZorWBModel::AddEquation(const ZorWBLocation& location, ZorWBNode* left,
+                                     ZorWBEquationType type, ZorWBNode* right) {
+    if (!left || !right || type < ZorWBEqualZero || type > ZorWBGreaterZero) return nullptr;
+    return Append(new (std::nothrow)
+                      ZorWBEqNode(location, &_environment, left, type, right, _nextEquationId));
+}
+
+ZorWBEqNode* ZorWBModel::AddEquation(ZorWBNode* term) {
+    if (!term) return nullptr;
+    return Append(new (std::nothrow) ZorWBEqNode(ZorWBLocation(), &_environment, term,
+                                                 ZorWBEquationUnset, nullptr, _nextEquationId));
+}
+
+ZorWBVarNode* ZorWBModel::GetVariable(const ZorQelString& name) const {
+    auto it = _variablesByName.find(name.GetStdString());
+    return it == _variablesByName.end() ? nullptr : it->second.front();
+}
+
+ZorWBVarNode* ZorWBModel::GetVariable(const ZorQelString& name,
+                                      const ZorWBLocation& location) const {
+    auto it = _variablesByPlace.find(Place{&name.GetStdString(), location});
+    return it == _variablesByPlace.end() ? nullptr : it->second;
+}
+
+int ZorWBModel::GetVariable(const ZorQelString& name, ZorQelArray<ZorWBVarNode*>& list) const {
+    auto it = _variablesByName.find(name.GetStdString());
+    if (it == _variablesByName.end()) return 0;
+    for (ZorWBVarNode* node : it->second)
+        list.Add(node);
+    return static_cast<int>(it->second.size());
+}
+
+ZorWBEqNode* ZorWBModel::GetNextEquation(const ZorWBEqNode* equation) const {
+    return equation ? equation->GetNext() : nullptr;
+}
+
+ZorWBEqNode* ZorWBModel::GetPrevEquation(const ZorWBEqNode* equation) const {
+    return equation ? equation->GetPrev() : nullptr;
+}
+
+ZorWBEqNode* ZorWBModel::GetEquationById(int id) const {
+    auto it = _equationsById.find(id);
+    return it == _equationsById.end() ? nullptr : it->second.get();
+}
+
+int ZorWBModel::RemoveEquation(ZorWBEqNode*& equation) {
+    if (!equation || GetEquationById(equation->GetId()) != equation)
+        return ZorWBParserResult::Failure;
+    ZorWBEqNode* prev = equation->_prev;
+    ZorWBEqNode* next = equation->_next;
+    (prev ? prev->_next : _firstEquation) = next;
+    (next ? next->_prev : _lastEquation) = prev;
+    _equationsById.erase(equation->GetId());
+    equation = nullptr;
+    return ZorWBParserResult::Success;
+}
+
+void ZorWBModel::GetBlackBoxes(ZorQelListPZorWBBlackBox* list) const {
+    if (!list) return;
+    for (ZorWBBlackBox* blackBox : _declaredBlackBoxes)
+        list->Add(blackBox);
+}
+
+int ZorWBModel::Accept(ZorWBVisitor& visitor) {
+    return visitor.VisitModel(*this);
+}
+
+bool ZorWBModel::IsEqual(const ZorWBModel& other) const {
+    if (GetNbOfEquations() != other.GetNbOfEquations()) return false;
+    for (const ZorWBEqNode *a = _firstEquation, *b = other._firstEquation; a && b;
+         a = a->GetNext(), b = b->GetNext()) {
+        if (!a->IsEqual(b)) return false;
+    }
+    return true;
+}

@@ -1,0 +1,138 @@
+#ifndef ZORWB_MODEL_H
+#define ZORWB_MODEL_H
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "ZorWBxExport.h"
+#include "expressions/ZorWBBlackBox.h"
+#include "parser/ZorWBNode.h"
+#include "values/ZorWBEnvironment.h"
+
+class ZorWBVisitor;
+
+// The parsed form of a text of equations: the nodes, the equations in source
+// order, the variable nodes and the black boxes declared by calls.
+//
+// The model owns every node it creates, for its whole life (the nodes of a
+// removed equation's terms included): destroying it frees them one by one,
+// with no walk over the trees. It owns a black box only when it is given
+// one through AdoptBlackBox; the parser hands each new black box either to
+// the caller's list or, when the caller gave none, to the model.
+//
+// Lookups of variables, equations and black-box calls are hashed, so that
+// building a model is linear in its size.
+class ZORWBX_API ZorWBModel {
+  public:
+    // The environment takes the behaviour level of the global parameters.
+    ZorWBModel();
+    explicit ZorWBModel(unsigned int level);
+    ZorWBModel(const ZorWBModel&) = delete;
+    ZorWBModel& operator=(const ZorWBModel&) = delete;
+    virtual ~ZorWBModel();
+
+    const ZorWBEnvironment& GetEnvironment() const { return _environment; }
+    unsigned int GetWBLevel() const { return _environment.GetWBLevel(); }
+
+    // Creation. Each returns null when memory is short or an argument is
+    // unusable: an operator kind that is not an operator (outside 3..47, or
+    // BlackBox, which DeclareBlackBox makes), a comparison type outside 0..4,
+    // a null black box. An operator's children get it as parent and their
+    // index; a missing (null) child is kept as missing.
+    ZorWBConstNode* CreateConstant(const ZorWBLocation& location, const ZorWBValue& value);
+    ZorWBConstNode* CreateConstant(const ZorWBLocation& location, const ZorWBValue& value,
+                                   const ZorWBLocation& unitLocation, const ZorQelString& unitName);
+    ZorWBVarNode* CreateVariable(const ZorWBLocation& location, const ZorQelString& name);
+    ZorWBOpNode* CreateOperator(const ZorWBLocation& location, ZorWBExpressionType type,
+                                const ZorWBNodeList& children);
+    ZorWBOpNode* CreateOperator(const ZorWBLocation& location, ZorWBExpressionType type,
+                                ZorWBComparisonType comparison, const ZorWBNodeList& children);
+    // A BlackBox operator node calling the black box over the arguments; the
+    // black box is recorded among the model's declared black boxes (once).
+    ZorWBOpNode* DeclareBlackBox(const ZorWBLocation& location, ZorWBBlackBox* blackBox,
+                                 const ZorWBNodeList& arguments);
+    // A black-box node calling a black box of that name with arguments equal
+    // to these (node IsEqual), or null.
+    ZorWBOpNode* GetBBxOp(const ZorQelString& name, const ZorWBNodeList& arguments) const;
+    // Makes the model the owner of a black box: it is deleted with the model.
+    void AdoptBlackBox(ZorWBBlackBox* blackBox);
+
+    // Appends an equation with the next id (ids count from 0 in order of
+    // addition). The two-term form needs both terms and a relation type 1..6;
+    // the one-term form gets type 0, no right term and a new location.
+    // Null when a term is missing or the type is not a relation.
+    ZorWBEqNode* AddEquation(const ZorWBLocation& location, ZorWBNode* left, ZorWBEquationType type,
+                             ZorWBNode* right);
+    ZorWBEqNode* AddEquation(ZorWBNode* term);
+
+    // The first variable node of that name, or null.
+    ZorWBVarNode* GetVariable(const ZorQelString& name) const;
+    // The variable node of that name read at that location, or null.
+    ZorWBVarNode* GetVariable(const ZorQelString& name, const ZorWBLocation& location) const;
+    // Appends every node of that name in order of creation; returns their number.
+    int GetVariable(const ZorQelString& name, ZorQelArray<ZorWBVarNode*>& list) const;
+    int GetNbOfVariables() const { return _nbOfVariables; }
+    int GetNbOfDifferentVariables() const { return static_cast<int>(_variablesByName.size()); }
+
+    ZorWBEqNode* GetFirstEquation() const { return _firstEquation; }
+    ZorWBEqNode* GetLastEquation() const { return _lastEquation; }
+    ZorWBEqNode* GetNextEquation(const ZorWBEqNode* equation) const;
+    ZorWBEqNode* GetPrevEquation(const ZorWBEqNode* equation) const;
+    ZorWBEqNode* GetEquationById(int id) const;
+    int GetNbOfEquations() const { return static_cast<int>(_equationsById.size()); }
+    // Unlinks and deletes an equation of this model and nulls the pointer:
+    // 0, or 0x80004005 when the equation is not one of this model's.
+    int RemoveEquation(ZorWBEqNode*& equation);
+
+    // Appends the declared black boxes in order of declaration.
+    void GetBlackBoxes(ZorQelListPZorWBBlackBox* list) const;
+    int GetNbOfNodes() const { return static_cast<int>(_nodes.size()); }
+
+    // Calls the visitor's VisitModel.
+    virtual int Accept(ZorWBVisitor& visitor);
+    // Same number of equations, pairwise equal (node IsEqual).
+    bool IsEqual(const ZorWBModel& other) const;
+
+  private:
+    struct Place {
+        const std::string* name;
+        ZorWBLocation location;
+    };
+    struct PlaceHash {
+        std::size_t operator()(const Place& place) const;
+    };
+    struct PlaceEqual {
+        bool operator()(const Place& a, const Place& b) const {
+            return *a.name == *b.name && a.location.Compare(b.location);
+        }
+    };
+
+    template <class Node>
+    Node* Own(Node* node);
+    ZorWBOpNode* MakeOperator(const ZorWBLocation& location, ZorWBExpressionType type,
+                              ZorWBComparisonType comparison, const ZorWBNodeList& children,
+                              ZorWBBlackBox* blackBox);
+    ZorWBEqNode* Append(ZorWBEqNode* equation);
+    static std::size_t BlackBoxCallKey(const ZorQelString& name, const ZorWBNodeList& arguments);
+
+    ZorWBEnvironment _environment;
+    std::vector<std::unique_ptr<ZorWBNode>> _nodes;
+    std::unordered_map<int, std::unique_ptr<ZorWBEqNode>> _equationsById;
+    ZorWBEqNode* _firstEquation = nullptr;
+    ZorWBEqNode* _lastEquation = nullptr;
+    int _nextEquationId = 0;
+
+    std::unordered_map<std::string, std::vector<ZorWBVarNode*>> _variablesByName;
+    std::unordered_map<Place, ZorWBVarNode*, PlaceHash, PlaceEqual> _variablesByPlace;
+    int _nbOfVariables = 0;
+
+    std::unordered_multimap<std::size_t, ZorWBOpNode*> _blackBoxCalls;
+    std::vector<ZorWBBlackBox*> _declaredBlackBoxes;
+    std::unordered_set<const ZorWBBlackBox*> _declaredSet;
+    std::unordered_map<const ZorWBBlackBox*, std::unique_ptr<ZorWBBlackBox>> _ownedBlackBoxes;
+};
+
+#endif

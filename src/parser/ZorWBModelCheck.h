@@ -1,0 +1,69 @@
+#ifndef ZORWB_MODELCHECK_H
+#define ZORWB_MODELCHECK_H
+
+#include <string>
+#include <unordered_map>
+
+#include "ZorWBxExport.h"
+#include "parser/ZorWBModelHomogeneity.h"
+#include "parser/ZorWBVisitor.h"
+
+class ZorWBLocation;
+class ZorWBParserMessenger;
+
+// The semantic check run after parsing. It visits the equations in order,
+// and in each the nodes of the left then the right term, parents before
+// children, and reports through the messenger:
+// - constants, and any other node written with a unit: a unit name that is
+//   neither a distance, an angle nor an ambiguous unit gives "semantic
+//   error, unknown unit" at the unit;
+// - variables: a name that is empty or starts with a quote character (such
+//   identifiers exist only so that the inch and foot marks scan) gives
+//   "semantic error, unknown variable name" at the variable; a variable
+//   written with a distance unit in one place and an angle unit in another
+//   gives "semantic error, inconsistent unit" at the later unit;
+// - operators: a missing operand gives "internal error, unit computation not
+//   available" at the operator, since its unit kind cannot be computed; an
+//   operator whose operands have kinds that cannot be combined (neither of
+//   them already inhomogeneous, so each clash is told once, where it
+//   arises) gives "semantic error, inconsistent unit" at the operator; an
+//   operand that is Pi written with an angle unit other than rad or with an
+//   ambiguous unit ("2 Pi deg": 2 Pi degrees or 2 Pi radians?) gives
+//   "semantic error, ambiguous Pi" at that unit (a term of an equation that
+//   is such a Pi is told by the equation);
+// - equations: the equation judgement (ZorWBModelHomogeneity) is reported as
+//   "semantic error, inconsistent unit" at the equation only when it rests
+//   on known kinds: a side whose kind is Unsolved cannot be judged (any
+//   function or power is Unsolved, and "sin(30 deg) = x" must stay
+//   acceptable), and an Inhomogeneous side has been reported at its
+//   operator already. The judgement is asymmetric by design: "x = 5 mm;"
+//   passes while "5 mm = x;" and "x = 30 deg;" are reported.
+class ZORWBX_API ZorWBModelCheck : public ZorWBVisitor {
+  public:
+    ZorWBModelCheck(ZorWBModel* model, ZorWBParserMessenger* messenger);
+
+    // Checks the whole model: 0 when nothing was reported, 0x80004005 when
+    // something was, or when the model or the messenger is missing.
+    int Run();
+    int GetNbOfReportedErrors() const { return _reported; }
+
+    int VisitConstant(ZorWBConstNode& node) override;
+    int VisitVariable(ZorWBVarNode& node) override;
+    int VisitOperator(ZorWBOpNode& node) override;
+    int VisitEquation(ZorWBEqNode& node) override;
+    int VisitModel(ZorWBModel& model) override;
+
+  private:
+    void Report(const ZorWBLocation& location, const char* message);
+    void CheckUnitName(const ZorWBNode& node);
+    void CheckAmbiguousPi(const ZorWBNode* node);
+    ZorWBUnitKind KindOf(const ZorWBNode* node) const;
+
+    ZorWBModel* _model;
+    ZorWBParserMessenger* _messenger;
+    ZorWBModelHomogeneity::NodeKinds _kinds;  // of the equation being visited
+    std::unordered_map<std::string, ZorWBUnitKind> _variableKinds;
+    int _reported = 0;
+};
+
+#endif

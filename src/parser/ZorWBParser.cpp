@@ -1,0 +1,60 @@
+#include "parser/ZorWBParser.h"
+
+#include <new>
+
+#include "ZorWBGrammar.h"
+// The scanner's interface names the value and location types without the
+// grammar's prefix.
+#define YYSTYPE ZORWB_YYSTYPE
+#define YYLTYPE ZORWB_YYLTYPE
+#include "ZorWBScanner.h"
+#include "parser/ZorWBModel.h"
+#include "parser/ZorWBModelCheck.h"
+#include "parser/ZorWBParserMessenger.h"
+
+namespace {
+
+const char* const MemoryExhausted = "memory exhausted";
+
+// Which input the scanner reads.
+struct Input {
+    std::FILE* file;
+    const char* text;
+};
+
+// Parses with a scanner of its own, then checks the model. Running out of
+// memory anywhere stops the work with "memory exhausted".
+int ParseInput(const Input& input, ZorWBModel& model, ZorQelIntArray& equationIds,
+               ZorWBParserMessenger& messenger, ZorQelListPZorWBBlackBox* blackBoxes) {
+    yyscan_t scanner = nullptr;
+    if (zorwb_yylex_init(&scanner) != 0) {
+        messenger.ReportError(nullptr, MemoryExhausted);
+        return messenger.GetErrorNumber();
+    }
+    try {
+        if (input.file) {
+            zorwb_yyset_in(input.file, scanner);
+            zorwb_yyparse(scanner, model, equationIds, messenger, blackBoxes);
+        } else {
+            zorwb_yy_scan_string(input.text ? input.text : "", scanner);
+            zorwb_yyparse(scanner, model, equationIds, messenger, blackBoxes);
+        }
+        ZorWBModelCheck(&model, &messenger).Run();
+    } catch (...) {
+        messenger.ReportError(nullptr, MemoryExhausted);
+    }
+    zorwb_yylex_destroy(scanner);
+    return messenger.GetErrorNumber();
+}
+
+}  // namespace
+
+int ZorWBParser::Parse(std::FILE* input, ZorWBModel& model, ZorQelIntArray& equationIds,
+                       ZorWBParserMessenger& messenger, ZorQelListPZorWBBlackBox* blackBoxes) {
+    return ParseInput({input, nullptr}, model, equationIds, messenger, blackBoxes);
+}
+
+int ZorWBParser::Parse(const char* text, ZorWBModel& model, ZorQelIntArray& equationIds,
+                       ZorWBParserMessenger& messenger, ZorQelListPZorWBBlackBox* blackBoxes) {
+    return ParseInput({nullptr, text}, model, equationIds, messenger, blackBoxes);
+}

@@ -1,0 +1,49 @@
+#ifndef ZORWB_PARSER_H
+#define ZORWB_PARSER_H
+
+#include <cstdio>
+
+#include "ZorWBxExport.h"
+#include "expressions/ZorWBBlackBox.h"
+#include "qel/ZorQelArray.h"
+
+class ZorWBModel;
+class ZorWBParserMessenger;
+
+// Reads texts of the equation language into a parsed model.
+//
+// Resource limits:
+// - the parser's stack holds at most 10000 entries: a text nested deeper
+//   (brackets, unary minus signs, right-grouped powers, calls, conditions)
+//   is refused with "memory exhausted" (reported as a syntax error would be)
+//   and never overflows the machine stack;
+// - the trees themselves may be deeper (a+b+c+... grows to the left without
+//   using the parser's stack), so every walk over a model (checks, unit
+//   kinds, printing, equality) uses an explicit stack on the heap, and
+//   destroying a model walks no tree at all: the depth of a model is limited
+//   by memory only;
+// - reading is linear in the length of the text.
+//
+// Invalid characters are skipped after "Invalid character" is printed on
+// the standard output; they are not errors. A read error of the stream ends
+// the input. When memory runs out while reading, "memory exhausted" is
+// reported and the parse stops.
+class ZORWBX_API ZorWBParser {
+  public:
+    // Reads the stream to its end into the model: appends the id of every
+    // equation added to equationIds, reports errors to the messenger, and
+    // appends each black box the text declares to blackBoxes when given (the
+    // caller then owns it; without a list the model owns it). Then runs the
+    // model check with the same messenger. Returns the messenger's error
+    // count (0 on success). A null stream reads as an empty text.
+    static int Parse(std::FILE* input, ZorWBModel& model, ZorQelIntArray& equationIds,
+                     ZorWBParserMessenger& messenger,
+                     ZorQelListPZorWBBlackBox* blackBoxes = nullptr);
+    // The same on a text, up to its terminating zero; a null text reads as
+    // an empty one.
+    static int Parse(const char* text, ZorWBModel& model, ZorQelIntArray& equationIds,
+                     ZorWBParserMessenger& messenger,
+                     ZorQelListPZorWBBlackBox* blackBoxes = nullptr);
+};
+
+#endif
