@@ -258,6 +258,17 @@ Branches ArcTangent2Branches(const ZorWBRealInterval& y, const ZorWBRealInterval
     return branches;
 }
 
+// The inverse of the sine or cosine: x clipped to [-1, 1].
+ZorWBRealInterval InverseOfBoundedFunction(const ZorWBEnvironment& environment,
+                                           const ZorWBRealInterval& x,
+                                           const ZorWBRealInterval& range,
+                                           Branches (*makeBranches)(const ZorWBRealInterval&)) {
+    if (RejectEmpty(environment, range)) return ZorWBReal_Nil;
+    ZorWBRealInterval clipped;
+    if (!AcceptInDomain(environment, x, -1.0, 1.0, clipped)) return ZorWBReal_Nil;
+    return SelectBranches(environment, makeBranches(clipped), range);
+}
+
 }  // namespace
 
 ZorWBRealInterval ZorWBSin(const ZorWBEnvironment& environment, const ZorWBRealInterval& x) {
@@ -290,18 +301,12 @@ ZorWBRealInterval ZorWBTan(const ZorWBEnvironment& environment, const ZorWBRealI
 
 ZorWBRealInterval ZorWBAsin(const ZorWBEnvironment& environment, const ZorWBRealInterval& x,
                             const ZorWBRealInterval& range) {
-    if (RejectEmpty(environment, range)) return ZorWBReal_Nil;
-    ZorWBRealInterval clipped;
-    if (!AcceptInDomain(environment, x, -1.0, 1.0, clipped)) return ZorWBReal_Nil;
-    return SelectBranches(environment, ArcSineBranches(clipped), range);
+    return InverseOfBoundedFunction(environment, x, range, ArcSineBranches);
 }
 
 ZorWBRealInterval ZorWBAcos(const ZorWBEnvironment& environment, const ZorWBRealInterval& x,
                             const ZorWBRealInterval& range) {
-    if (RejectEmpty(environment, range)) return ZorWBReal_Nil;
-    ZorWBRealInterval clipped;
-    if (!AcceptInDomain(environment, x, -1.0, 1.0, clipped)) return ZorWBReal_Nil;
-    return SelectBranches(environment, ArcCosineBranches(clipped), range);
+    return InverseOfBoundedFunction(environment, x, range, ArcCosineBranches);
 }
 
 ZorWBRealInterval ZorWBAtan(const ZorWBEnvironment& environment, const ZorWBRealInterval& x,

@@ -10,9 +10,6 @@
 
 namespace {
 
-using R = ZorWBRealInterval;
-using I = ZorWBIntegerInterval;
-
 // One operator called with either valid operands or one empty operand;
 // answers whether its result is the empty interval of its kind.
 struct Operator {
