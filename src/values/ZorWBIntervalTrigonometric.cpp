@@ -191,34 +191,35 @@ ZorWBRealInterval SelectBranches(const ZorWBEnvironment& environment, const Bran
     return hull;
 }
 
-// Solutions of sin t = v: asin v and pi - asin v, each plus multiples of 2 pi.
-Branches ArcSineBranches(const ZorWBRealInterval& x) {
-    const ZorWBRealInterval principal = {std::asin(x.low), std::asin(x.high)};
+// A principal image that is also a family of branches repeating every
+// period, and optionally a second family.
+Branches PeriodicBranches(const ZorWBRealInterval& principal, double period,
+                          const ZorWBRealInterval* second = nullptr) {
     Branches branches;
     branches.principal[branches.principalCount++] = principal;
     branches.families[branches.familyCount++] = principal;
-    branches.families[branches.familyCount++] = {Pi - principal.high, Pi - principal.low};
+    if (second != nullptr) branches.families[branches.familyCount++] = *second;
+    branches.period = period;
     return branches;
+}
+
+// Solutions of sin t = v: asin v and pi - asin v, each plus multiples of 2 pi.
+Branches ArcSineBranches(const ZorWBRealInterval& x) {
+    const ZorWBRealInterval principal = {std::asin(x.low), std::asin(x.high)};
+    const ZorWBRealInterval mirrored = {Pi - principal.high, Pi - principal.low};
+    return PeriodicBranches(principal, TwoPi, &mirrored);
 }
 
 // Solutions of cos t = v: acos v and -acos v, each plus multiples of 2 pi.
 Branches ArcCosineBranches(const ZorWBRealInterval& x) {
     const ZorWBRealInterval principal = {std::acos(x.high), std::acos(x.low)};
-    Branches branches;
-    branches.principal[branches.principalCount++] = principal;
-    branches.families[branches.familyCount++] = principal;
-    branches.families[branches.familyCount++] = {-principal.high, -principal.low};
-    return branches;
+    const ZorWBRealInterval mirrored = {-principal.high, -principal.low};
+    return PeriodicBranches(principal, TwoPi, &mirrored);
 }
 
 // Solutions of tan t = v: atan v plus multiples of pi.
 Branches ArcTangentBranches(const ZorWBRealInterval& x) {
-    const ZorWBRealInterval principal = {std::atan(x.low), std::atan(x.high)};
-    Branches branches;
-    branches.principal[branches.principalCount++] = principal;
-    branches.families[branches.familyCount++] = principal;
-    branches.period = Pi;
-    return branches;
+    return PeriodicBranches({std::atan(x.low), std::atan(x.high)}, Pi);
 }
 
 // The arc of directions of the points of a box, as an interval of angles no
