@@ -155,7 +155,7 @@ ElementCollector::ElementCollector(const ZorWBEnvironment& environment, long lon
 
 void ElementCollector::Add(const ZorWBValue& result) {
     if (result.IsAKindOf(ZorWBIntegerType))
-        Store(result.GetAsInteger(), true);
+        Store(IntegerToReal(result.GetAsInteger()), true);  // markers as real infinities
     else
         Store(result.GetAsReal(), false);
 }
@@ -170,16 +170,22 @@ void ElementCollector::Store(double result, bool isInteger) {
 
 namespace {
 
+// An integer result stored as a real: the infinities become the markers.
+int StoredInteger(double value) {
+    if (value > ZorWBIntegerMax) return ZorWBIntegerPlusInfinity;
+    if (value < -ZorWBIntegerMax) return ZorWBIntegerMinusInfinity;
+    return static_cast<int>(value);
+}
+
 ZorWBValue IntegerElements(const ZorWBEnvironment& environment, const double* values, int count) {
     ZorWBIntegerEnum enumeration(ZorWBEnumList);
     if (count > environment.GetMaxEnumSize()) {
-        ZorWBIntegerInterval hull = {static_cast<int>(values[0]),
-                                     static_cast<int>(values[count - 1])};
+        ZorWBIntegerInterval hull = {StoredInteger(values[0]), StoredInteger(values[count - 1])};
         return EnumFromInterval(environment, ZorWBValue(hull));
     }
     if (!enumeration.SetSize(count)) return NilEnum(true);
     for (int i = 0; i < count; ++i)
-        enumeration.Set(i, static_cast<int>(values[i]));
+        enumeration.Set(i, StoredInteger(values[i]));
     return ZorWBValue(enumeration);
 }
 
