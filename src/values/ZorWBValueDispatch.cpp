@@ -29,31 +29,6 @@ ZorWBBoolean BooleanOfIntegerSet(const ZorWBIntegerInterval& set) {
     return ZorWBUnknown;
 }
 
-ZorWBValueType TableKind(ZorWBValueType first, ZorWBValueType second) {
-    constexpr int kinds = 8;
-    static constexpr ZorWBValueType table[kinds][kinds] = {
-        {ZorWBUndefinedType, ZorWBUndefinedType, ZorWBUndefinedType, ZorWBUndefinedType,
-         ZorWBUndefinedType, ZorWBUndefinedType, ZorWBUndefinedType, ZorWBUndefinedType},
-        {ZorWBUndefinedType, ZorWBIntegerType, ZorWBRealType, ZorWBIntegerIntervalType,
-         ZorWBRealIntervalType, ZorWBIntegerEnumType, ZorWBRealEnumType, ZorWBIntegerIntervalType},
-        {ZorWBUndefinedType, ZorWBRealType, ZorWBRealType, ZorWBRealIntervalType,
-         ZorWBRealIntervalType, ZorWBRealEnumType, ZorWBRealEnumType, ZorWBUndefinedType},
-        {ZorWBUndefinedType, ZorWBIntegerIntervalType, ZorWBRealIntervalType,
-         ZorWBIntegerIntervalType, ZorWBRealIntervalType, ZorWBIntegerEnumType, ZorWBRealEnumType,
-         ZorWBIntegerIntervalType},
-        {ZorWBUndefinedType, ZorWBRealIntervalType, ZorWBRealIntervalType, ZorWBRealIntervalType,
-         ZorWBRealIntervalType, ZorWBRealEnumType, ZorWBRealEnumType, ZorWBUndefinedType},
-        {ZorWBUndefinedType, ZorWBIntegerEnumType, ZorWBRealEnumType, ZorWBIntegerEnumType,
-         ZorWBRealEnumType, ZorWBIntegerEnumType, ZorWBRealEnumType, ZorWBIntegerIntervalType},
-        {ZorWBUndefinedType, ZorWBRealEnumType, ZorWBRealEnumType, ZorWBRealEnumType,
-         ZorWBRealEnumType, ZorWBRealEnumType, ZorWBRealEnumType, ZorWBUndefinedType},
-        {ZorWBUndefinedType, ZorWBIntegerIntervalType, ZorWBUndefinedType, ZorWBIntegerIntervalType,
-         ZorWBUndefinedType, ZorWBIntegerIntervalType, ZorWBUndefinedType, ZorWBBooleanType},
-    };
-    if (first < 0 || first >= kinds || second < 0 || second >= kinds) return ZorWBUndefinedType;
-    return table[first][second];
-}
-
 namespace {
 
 bool FractionReadsAsReal(const ZorWBEnvironment& environment) {
@@ -62,11 +37,11 @@ bool FractionReadsAsReal(const ZorWBEnvironment& environment) {
 
 // The operand itself, or its simplified reading kept in holder.
 const ZorWBValue* ReadOperand(const ZorWBEnvironment& environment, const ZorWBValue& value,
-                              ZorWBValue& holder) {
+                              std::optional<ZorWBValue>& holder) {
     if (!value.IsAFraction() || FractionReadsAsReal(environment)) return &value;
-    holder = value;
-    holder.SimplifyFraction(true);
-    return &holder;
+    holder.emplace(value);
+    holder->SimplifyFraction(true);
+    return &*holder;
 }
 
 }  // namespace

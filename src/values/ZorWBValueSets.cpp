@@ -410,16 +410,22 @@ void ZorWBExclude(const ZorWBEnvironment& environment, ZorWBValue& a, const ZorW
     }
 }
 
-// Does a contain b: scalars by equality, intervals and enumerations by their
-// hulls. Kinds that cannot be combined answer false (with error 2 below the
-// level ZorWBLevel::QuietIncompatibleTests).
-bool ZorWBContains(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b) {
+// ------------------------------------------------------------ tests
+
+namespace {
+
+// A test of two values in their common kind: scalars by equality (reals
+// within the tolerance), intervals, booleans and enumerations by the test's
+// own forms. Kinds that cannot be combined answer false, with error 2 below
+// the level ZorWBLevel::QuietIncompatibleTests.
+template <class Test>
+bool TestPair(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b,
+              double tolerance, const Test& test) {
     a.RecordEnv(environment);
     b.RecordEnv(environment);
     OperandPair operands(environment, a, b);
     const ZorWBValue& x = operands.First();
     const ZorWBValue& y = operands.Second();
-    double tolerance = environment.GetTolerance();
     switch (operands.CommonType()) {
         case ZorWBIntegerType:
             return x.GetAsInteger() == y.GetAsInteger();
@@ -427,117 +433,140 @@ bool ZorWBContains(const ZorWBEnvironment& environment, const ZorWBValue& a, con
             return std::fabs(x.GetAsReal() - y.GetAsReal()) < tolerance ||
                    x.GetAsReal() == y.GetAsReal();
         case ZorWBIntegerIntervalType:
-        case ZorWBIntegerEnumType:
         case ZorWBBooleanType:
-            return ZorWBContains(x.GetAsIntegerInterval(), y.GetAsIntegerInterval());
+            return test.Integers(x.GetAsIntegerInterval(), y.GetAsIntegerInterval());
         case ZorWBRealIntervalType:
+            return test.Reals(x.GetAsRealInterval(), y.GetAsRealInterval(), tolerance);
+        case ZorWBIntegerEnumType:
+            return test.Enums(environment, x, y, true, tolerance);
         case ZorWBRealEnumType:
-            return ZorWBContains(x.GetAsRealInterval(), y.GetAsRealInterval(), tolerance);
+            return test.Enums(environment, x, y, false, tolerance);
         default:
             ReportIncompatibleTest(environment);
             return false;
     }
 }
 
-// An undefined value (or an unknown kind) is not empty; below the level
-// ZorWBLevel::QuietIncompatibleTests asking sets error 2.
-bool ZorWBIsEmpty(const ZorWBEnvironment& environment, const ZorWBValue& a) {
-    a.RecordEnv(environment);
+// Containment of enumerations is that of their hulls.
+struct ContainsTest {
+    bool Integers(const ZorWBIntegerInterval& a, const ZorWBIntegerInterval& b) const {
+        return ZorWBContains(a, b);
+    }
+    bool Reals(const ZorWBRealInterval& a, const ZorWBRealInterval& b, double tolerance) const {
+        return ZorWBContains(a, b, tolerance);
+    }
+    bool Enums(const ZorWBEnvironment&, const ZorWBValue& a, const ZorWBValue& b, bool integers,
+               double tolerance) const {
+        if (integers) return Integers(a.GetAsIntegerInterval(), b.GetAsIntegerInterval());
+        return Reals(a.GetAsRealInterval(), b.GetAsRealInterval(), tolerance);
+    }
+};
+
+struct EqualTest {
+    bool Integers(const ZorWBIntegerInterval& a, const ZorWBIntegerInterval& b) const {
+        return ZorWBIsEqual(a, b);
+    }
+    bool Reals(const ZorWBRealInterval& a, const ZorWBRealInterval& b, double tolerance) const {
+        return ZorWBIsEqual(a, b, tolerance);
+    }
+    bool Enums(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b,
+               bool integers, double tolerance) const {
+        return EnumsEqual(environment, a, b, integers, tolerance);
+    }
+};
+
+// A test of one value by its form: scalars, integer sets, real sets (hulls
+// of intervals and enumerations), boolean states, and the rest (undefined or
+// unknown kinds).
+template <class Test>
+bool TestValue(const ZorWBValue& a, const Test& test) {
     switch (a.GetType()) {
         case ZorWBIntegerType:
         case ZorWBRealType:
         case ZorWBFractionType:
-            return false;
+            return test.Scalar();
         case ZorWBIntegerIntervalType:
         case ZorWBIntegerEnumType:
-            return ZorWBIsEmpty(a.GetAsIntegerInterval());
+            return test.Integers(a.GetAsIntegerInterval());
         case ZorWBRealIntervalType:
         case ZorWBRealEnumType:
-            return ZorWBIsEmpty(a.GetAsRealInterval(), environment.GetTolerance());
-        case ZorWBBooleanType: {
-            ZorWBBoolean state = a.GetAsBoolean();
-            return state < ZorWBFalse || state > ZorWBUnknown;  // empty, or no state at all
-        }
+            return test.Reals(a.GetAsRealInterval());
+        case ZorWBBooleanType:
+            return test.State(a.GetAsBoolean());
         default:
-            ReportIncompatibleTest(environment);
-            return false;
+            return test.Other(a.GetType());
     }
+}
+
+// An undefined value (or an unknown kind) is not empty; below the level
+// ZorWBLevel::QuietIncompatibleTests asking sets error 2.
+struct EmptyTest {
+    const ZorWBEnvironment& environment;
+    bool Scalar() const { return false; }
+    bool Integers(const ZorWBIntegerInterval& a) const { return ZorWBIsEmpty(a); }
+    bool Reals(const ZorWBRealInterval& a) const {
+        return ZorWBIsEmpty(a, environment.GetTolerance());
+    }
+    bool State(ZorWBBoolean state) const {
+        return state < ZorWBFalse || state > ZorWBUnknown;  // empty, or no state at all
+    }
+    bool Other(ZorWBValueType) const {
+        ReportIncompatibleTest(environment);
+        return false;
+    }
+};
+
+// A single value: scalars always, intervals and enumerations when their hull
+// is one point, booleans when true or false. An undefined value is not.
+struct ExactTest {
+    double tolerance;
+    bool Scalar() const { return true; }
+    bool Integers(const ZorWBIntegerInterval& a) const { return ZorWBIsExact(a); }
+    bool Reals(const ZorWBRealInterval& a) const { return ZorWBIsExact(a, tolerance); }
+    bool State(ZorWBBoolean state) const { return state == ZorWBFalse || state == ZorWBTrue; }
+    bool Other(ZorWBValueType) const { return false; }
+};
+
+// The widest value of its kind: the whole line, any, unknown. An undefined
+// value counts as indefinite, since nothing is known of it.
+struct IndefiniteTest {
+    bool Scalar() const { return false; }
+    bool Integers(const ZorWBIntegerInterval& a) const { return ZorWBIsInfinite(a); }
+    bool Reals(const ZorWBRealInterval& a) const { return ZorWBIsInfinite(a); }
+    bool State(ZorWBBoolean state) const { return state == ZorWBUnknown; }
+    bool Other(ZorWBValueType type) const { return type == ZorWBUndefinedType; }
+};
+
+}  // namespace
+
+// Does a contain b: scalars by equality, intervals and enumerations by their
+// hulls.
+bool ZorWBContains(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b) {
+    return TestPair(environment, a, b, environment.GetTolerance(), ContainsTest());
+}
+
+// Equality of values as sets (see ZorWBEqual for the four-state comparison).
+bool ZorWBIsEqual(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b,
+                  double tolerance) {
+    return TestPair(environment, a, b, environment.ResolveTolerance(tolerance), EqualTest());
+}
+
+bool ZorWBIsEmpty(const ZorWBEnvironment& environment, const ZorWBValue& a) {
+    a.RecordEnv(environment);
+    return TestValue(a, EmptyTest{environment});
 }
 
 bool ZorWBIsConsistent(const ZorWBEnvironment& environment, const ZorWBValue& a) {
     return !ZorWBIsEmpty(environment, a);
 }
 
-// Equality of values as sets (see ZorWBEqual for the four-state comparison).
-bool ZorWBIsEqual(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b,
-                  double tolerance) {
-    a.RecordEnv(environment);
-    b.RecordEnv(environment);
-    tolerance = environment.ResolveTolerance(tolerance);
-    OperandPair operands(environment, a, b);
-    const ZorWBValue& x = operands.First();
-    const ZorWBValue& y = operands.Second();
-    switch (operands.CommonType()) {
-        case ZorWBIntegerType:
-            return x.GetAsInteger() == y.GetAsInteger();
-        case ZorWBRealType:
-            return std::fabs(x.GetAsReal() - y.GetAsReal()) < tolerance ||
-                   x.GetAsReal() == y.GetAsReal();
-        case ZorWBIntegerIntervalType:
-        case ZorWBBooleanType:
-            return ZorWBIsEqual(x.GetAsIntegerInterval(), y.GetAsIntegerInterval());
-        case ZorWBRealIntervalType:
-            return ZorWBIsEqual(x.GetAsRealInterval(), y.GetAsRealInterval(), tolerance);
-        case ZorWBIntegerEnumType:
-            return EnumsEqual(environment, x, y, true, tolerance);
-        case ZorWBRealEnumType:
-            return EnumsEqual(environment, x, y, false, tolerance);
-        default:
-            ReportIncompatibleTest(environment);
-            return false;
-    }
-}
-
-// A single value: scalars always, intervals and enumerations when their hull
-// is one point, booleans when true or false. An undefined value is not.
 bool ZorWBIsExact(const ZorWBEnvironment& environment, const ZorWBValue& a, double tolerance) {
     a.RecordEnv(environment);
-    tolerance = environment.ResolveTolerance(tolerance);
-    switch (a.GetType()) {
-        case ZorWBIntegerType:
-        case ZorWBRealType:
-        case ZorWBFractionType:
-            return true;
-        case ZorWBIntegerIntervalType:
-        case ZorWBIntegerEnumType:
-            return ZorWBIsExact(a.GetAsIntegerInterval());
-        case ZorWBRealIntervalType:
-        case ZorWBRealEnumType:
-            return ZorWBIsExact(a.GetAsRealInterval(), tolerance);
-        case ZorWBBooleanType:
-            return a.GetAsBoolean() == ZorWBFalse || a.GetAsBoolean() == ZorWBTrue;
-        default:
-            return false;
-    }
+    return TestValue(a, ExactTest{environment.ResolveTolerance(tolerance)});
 }
 
-// The widest value of its kind: the whole line, any, unknown. An undefined
-// value counts as indefinite, since nothing is known of it.
 bool ZorWBIsIndefinite(const ZorWBValue& a) {
-    switch (a.GetType()) {
-        case ZorWBUndefinedType:
-            return true;
-        case ZorWBIntegerIntervalType:
-        case ZorWBIntegerEnumType:
-            return ZorWBIsInfinite(a.GetAsIntegerInterval());
-        case ZorWBRealIntervalType:
-        case ZorWBRealEnumType:
-            return ZorWBIsInfinite(a.GetAsRealInterval());
-        case ZorWBBooleanType:
-            return a.GetAsBoolean() == ZorWBUnknown;
-        default:
-            return false;
-    }
+    return TestValue(a, IndefiniteTest());
 }
 
 // ------------------------------------------------------------ value members
