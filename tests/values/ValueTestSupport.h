@@ -85,9 +85,11 @@ inline ZorWBValue RandomOperand(std::mt19937& rng, ZorWBValueType kind) {
     }
 }
 
+// The real reading of a fraction, rounded as the library rounds it (the
+// modulo jumps at multiples, where a different rounding takes the other side).
 inline double FractionValue(const ZorWBFraction& fraction) {
-    return static_cast<double>(fraction.numerator) / fraction.denominator *
-           std::pow(3.141592653589793, fraction.power);
+    return std::pow(3.141592653589793, fraction.power) * static_cast<double>(fraction.numerator) /
+           static_cast<double>(fraction.denominator);
 }
 
 // Points of the operand: every element of a list, the ends and some inner
@@ -171,11 +173,8 @@ inline double IntegerBound(int bound) {
 // Whether the result value holds the point.
 inline bool Holds(const ZorWBValue& result, double point) {
     switch (result.GetType()) {
-        case ZorWBIntegerType: {
-            int value = result.GetAsInteger();
-            if (value == 2147483647 || value == -2147483647) return Close(value * 2 * Limit, point);
-            return Close(value, point);
-        }
+        case ZorWBIntegerType:
+            return Close(IntegerBound(result.GetAsInteger()), point);
         case ZorWBRealType:
             return Close(result.GetAsReal(), point);
         case ZorWBFractionType:
