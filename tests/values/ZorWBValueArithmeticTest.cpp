@@ -334,9 +334,8 @@ TEST(ZorWBValueArithmetic, EnumerationResults) {
     // Nil propagates without error; any goes through the whole line.
     ZorWBValue nil = ZorWBSum(environment, a, ZorWBValue(ZorWBIntegerEnum(ZorWBEnumNil)));
     EXPECT_TRUE(nil.GetIntegerEnum().IsNil());
-    EXPECT_TRUE(ZorWBSum(environment, ZorWBValue(ZorWBRealEnum(ZorWBEnumAny)), a)
-                    .GetRealEnum()
-                    .IsAny());
+    EXPECT_TRUE(
+        ZorWBSum(environment, ZorWBValue(ZorWBRealEnum(ZorWBEnumAny)), a).GetRealEnum().IsAny());
     const int zero[] = {0};
     ZorWBValue zeros;
     zeros.Set(1, zero);
