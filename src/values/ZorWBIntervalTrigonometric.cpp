@@ -108,7 +108,60 @@ void CollectFamily(const ZorWBRealInterval& family, double period, double lowerL
     }
 }
 
-// The hull of the candidates that meet range, within range.
+// A candidate's part within range, and whether it is principal.
+struct Part {
+    ZorWBRealInterval interval;
+    bool principal;
+};
+
+bool IsNear(double a, double b) {
+    return std::fabs(a - b) <= 1e-12 * std::fmax(1.0, std::fabs(a));
+}
+
+bool IsPoint(const Part& part) {
+    return IsNear(part.interval.low, part.interval.high);
+}
+
+// Points lose to wider parts, then non-principal parts to principal ones.
+int Rank(const Part& part) {
+    return (IsPoint(part) ? 0 : 2) + (part.principal ? 1 : 0);
+}
+
+// A range exactly one period wide holds the angle of its two ends twice:
+// they are the same direction. A part of another branch that is only one of
+// these ends is dropped when a part of higher rank (or of equal rank and
+// listed earlier) covers its twin at the other end; principal parts are
+// always kept, so that every principal value stays in the result. So within
+// the principal range the principal value comes alone: atan2 at (0, -1) in
+// [-pi, pi] is pi, not the hull of pi and -pi. Ranges of any other width
+// keep every candidate.
+bool IsDuplicateEnd(const Part* parts, int count, int index, const ZorWBRealInterval& range,
+                    double period) {
+    const Part& part = parts[index];
+    if (part.principal || !IsPoint(part) || !IsNear(range.high - range.low, period)) return false;
+    const double at = part.interval.low;
+    double twin = 0.0;
+    if (IsNear(at, range.low)) {
+        twin = at + period;
+    } else if (IsNear(at, range.high)) {
+        twin = at - period;
+    } else {
+        return false;
+    }
+    for (int other = 0; other < count; ++other) {
+        if (other == index) continue;
+        const ZorWBRealInterval& cover = parts[other].interval;
+        const bool covers = (cover.low <= twin || IsNear(cover.low, twin)) &&
+                            (twin <= cover.high || IsNear(cover.high, twin));
+        const int rank = Rank(parts[other]);
+        if (covers && (rank > Rank(part) || (rank == Rank(part) && other < index))) return true;
+    }
+    return false;
+}
+
+// The hull of the candidates that meet range, within range (each met
+// through the snapping intersection with range first, so the result never
+// leaves range).
 ZorWBRealInterval SelectBranches(const ZorWBEnvironment& environment, const Branches& branches,
                                  const ZorWBRealInterval& range) {
     double lowerLimit = 0.0;
@@ -116,13 +169,26 @@ ZorWBRealInterval SelectBranches(const ZorWBEnvironment& environment, const Bran
     environment.GetTrigonometricLimits(lowerLimit, upperLimit);
     ZorWBRealInterval candidates[2 + 2 * 6];
     int count = 0;
-    for (int i = 0; i < branches.principalCount; ++i)
+    for (int i = 0; i < branches.principalCount; ++i) {
         candidates[count++] = branches.principal[i];
+    }
     for (int i = 0; i < branches.familyCount; ++i) {
         CollectFamily(branches.families[i], branches.period, lowerLimit, upperLimit, range,
                       candidates, count);
     }
-    return HullInRange(range, candidates, count);
+    Part parts[2 + 2 * 6];
+    int partCount = 0;
+    for (int i = 0; i < count; ++i) {
+        const ZorWBRealInterval part = ZorWBIntersect(range, candidates[i], ZorWBIntervalTolerance);
+        if (!IsEmptyInterval(part)) parts[partCount++] = {part, i < branches.principalCount};
+    }
+    ZorWBRealInterval hull = ZorWBReal_Nil;
+    for (int i = 0; i < partCount; ++i) {
+        if (!IsDuplicateEnd(parts, partCount, i, range, branches.period)) {
+            hull = ZorWBUnite(hull, parts[i].interval);
+        }
+    }
+    return hull;
 }
 
 // Solutions of sin t = v: asin v and pi - asin v, each plus multiples of 2 pi.
@@ -173,7 +239,7 @@ Branches ArcTangent2Branches(const ZorWBRealInterval& y, const ZorWBRealInterval
     // axis has the direction pi.
     const double ys[] = {y.low + 0.0, y.high + 0.0};
     const double xs[] = {x.low + 0.0, x.high + 0.0};
-    const bool acrossPi = x.high < 0.0 && y.low < 0.0;
+    const bool acrossPi = x.high < 0.0 && y.low < 0.0 && y.high >= 0.0;
     ZorWBRealInterval arc = {HUGE_VAL, -HUGE_VAL};
     for (double cornerY : ys) {
         for (double cornerX : xs) {
