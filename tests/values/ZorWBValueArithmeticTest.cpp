@@ -375,11 +375,17 @@ TEST(ZorWBValueArithmetic, ScalarKindsDoNotAllocate) {
             ZorWBLessEqual(old, a, b);
             ZorWBContains(environment, a, b);
             ZorWBIsEqual(environment, a, b);
+            ZorWBNotEqual(environment, a, b);
+            ZorWBImplication(a, b);
             ZorWBValue changed(a);
             ZorWBIntersect(environment, changed, b);
             ZorWBUnite(environment, changed, b);
+            ZorWBExclude(old, changed, b);
         }
         ZorWBCos(environment, a);
+        ZorWBAsin(environment, a, &operands[3]);
+        ZorWBIsEmpty(environment, a);
+        ZorWBIsExact(old, a);
         ZorWBFloor(environment, a);
         ZorWBUnaryMinus(old, a);
         ZorWBRoot(environment, a, ZorWBValue(3));
