@@ -14,7 +14,8 @@
 //   bool ElementWise() const                       enumerations element by element
 //
 // and, for one operand, how it reads a fraction and a boolean. The templates
-// do the rest, so the per-kind switch lives only here.
+// do the rest, so the per-kind switch of the operators lives only here (the
+// comparisons and the set tests have one template each in their files).
 
 #include <memory>
 #include <optional>
