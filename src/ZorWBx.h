@@ -15,6 +15,7 @@
 #include "values/ZorWBEnvironment.h"
 #include "values/ZorWBFraction.h"
 #include "values/ZorWBInterval.h"
+#include "values/ZorWBInverseFunctions.h"
 #include "values/ZorWBLevel.h"
 #include "values/ZorWBValue.h"
 
