@@ -52,6 +52,22 @@ ZorWBBoolean StateOf(int truths) {
     return states[truths & 3];
 }
 
+// The truth values a value convertible to a boolean can take: a boolean by
+// its state, an integer set by whether it holds 0 (false) and values other
+// than 0 (true), a listed enumeration element by element (so {-2, 1} is
+// true, where its hull would read unknown).
+int TruthsOf(const ZorWBValue& value) {
+    if (value.IsAKindOf(ZorWBBooleanType)) return Truths(value.GetAsBoolean());
+    ZorWBInverseSet set(value);
+    int truths = 0;
+    for (int i = 0; i < set.GetNbOfPieces(); ++i) {
+        Interval piece = set.GetPiece(i);
+        if (piece.low <= 0.0 && piece.high >= 0.0) truths |= kFalseBit;
+        if (piece.low != 0.0 || piece.high != 0.0) truths |= kTrueBit;
+    }
+    return truths;
+}
+
 // The non-zero part of an integer set (a 0 inside it cannot be cut out).
 Interval NonZero(const Interval& x) {
     if (x.low >= 0.0) return ZorWBInverseClip({1.0, x.high}, x);
@@ -64,8 +80,7 @@ Interval NonZero(const Interval& x) {
 // values (true).
 ZorWBValue NarrowToTruths(const ZorWBEnvironment& environment, const ZorWBValue& domain,
                           int truths) {
-    if (domain.IsAKindOf(ZorWBBooleanType))
-        return ZorWBValue(StateOf(truths & Truths(domain.GetAsBoolean())));
+    if (domain.IsAKindOf(ZorWBBooleanType)) return ZorWBValue(StateOf(truths & TruthsOf(domain)));
     return ZorWBInverseProjectValue(environment, ZorWBValue(ZorWBReal_Any), domain, nullptr,
                                     [truths](const Interval&, const Interval& x, const Interval&) {
                                         Interval hull = ZorWBReal_Nil;
@@ -88,7 +103,7 @@ ZorWBValue InverseLogical(const ZorWBEnvironment& environment, const ZorWBValue&
         environment.SetError(code);
         return domain;
     }
-    ZorWBBoolean allowed = Lookup(table, result.GetAsBoolean(), other.GetAsBoolean());
+    ZorWBBoolean allowed = Lookup(table, StateOf(TruthsOf(result)), StateOf(TruthsOf(other)));
     return NarrowToTruths(environment, domain, Truths(allowed));
 }
 
@@ -105,8 +120,8 @@ bool ReadComparison(const ZorWBEnvironment& environment, const ZorWBValue& resul
     if (!ZorWBInverseCheckOperands(environment, nullptr, domain, &other,
                                    ZorWBError::IncompatibleKinds, integer))
         return false;
-    ZorWBBoolean state = result.GetAsBoolean();
-    truths = Truths(negate ? ZorWBNot(state) : state);
+    truths = TruthsOf(result);
+    if (negate) truths = (truths & kFalseBit ? kTrueBit : 0) | (truths & kTrueBit ? kFalseBit : 0);
     return true;
 }
 

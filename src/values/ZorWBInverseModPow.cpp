@@ -119,7 +119,7 @@ struct DivisorSteps {
             upper = std::min(upper, (x.low + gap) / next);
         else if (x.low + gap > 0.0)
             return ZorWBReal_Nil;
-        if (gap > 0.0 && round) {
+        if (integer && round) {
             lower = ZorWBInverseRoundUp(lower);
             upper = ZorWBInverseRoundDown(upper);
             if (lower > upper) return ZorWBReal_Nil;
@@ -132,13 +132,14 @@ struct DivisorSteps {
 
     Interval x;
     double rl = 0.0, rh = 0.0, yl = 0.0, yh = 0.0, gap = 0.0;
+    bool integer = false;
 };
 
 // J at the first feasible quotient of the run sign * [first, last], walking
-// in direction step (+1 from the near end, -1 from the far end). The bound
-// may be off by rounding, so the walk also looks two steps back; integers
-// walk further over quotients whose J holds no integer, and fall back to the
-// real J (a sound hull) when the walk ends.
+// from start towards stop by step (+1 from the near end, -1 from the far
+// end). The bound may be off by rounding, so the walk also looks two steps
+// back. Integers walk further over quotients whose J holds no integer, and
+// fall back on the real J (a sound hull) when the walk ends inside the run.
 Interval RunEnd(const DivisorSteps& s, double sign, double start, double stop, double step,
                 double smallest) {
     double t = start;
@@ -147,15 +148,14 @@ Interval RunEnd(const DivisorSteps& s, double sign, double start, double stop, d
         if (back < smallest || ZorWBInverseIsEmpty(s.Of(sign * back))) break;
         t = back;
     }
-    int limit = s.gap > 0.0 ? kScanLimit : 3;
-    for (int i = 0; i < limit && (step > 0.0 ? t <= stop + 2.0 : t >= stop - 2.0); ++i) {
-        if (t >= smallest) {
-            Interval j = s.Of(sign * t);
-            if (!ZorWBInverseIsEmpty(j)) return j;
-        }
-        t += step;
+    int limit = s.integer ? kScanLimit : 3;
+    for (int i = 0; i < limit; ++i, t += step) {
+        if (step > 0.0 ? t > stop + 2.0 : t < stop - 2.0) return ZorWBReal_Nil;  // past the run
+        if (t < smallest) continue;
+        Interval j = s.Of(sign * t);
+        if (!ZorWBInverseIsEmpty(j)) return j;
     }
-    return s.gap > 0.0 ? s.Of(sign * start, false) : ZorWBReal_Nil;
+    return s.integer ? s.Of(sign * start, false) : ZorWBReal_Nil;
 }
 
 // The divisors of the quotients sign * t for t in [first, last] (t >= smallest).
@@ -188,6 +188,7 @@ Interval PositiveDivisors(const Interval& r, const Interval& x, double yl, doubl
     s.yl = yl;
     s.yh = yh;
     s.gap = gap;
+    s.integer = gap > 0.0;
     double floor = s.Floor();
     if (s.rl > s.rh || floor > yh) return ZorWBReal_Nil;
 
@@ -308,7 +309,7 @@ Interval NegativeBasesOfExponent(const Interval& r, double n) {
     // x^n = (-1)^n |x|^n.
     Interval t = std::fmod(n, 2.0) == 0.0 ? r : ZorWBInverseNegate(r);
     if (ZorWBInverseIsEmpty(t) || t.high <= 0.0) return ZorWBReal_Nil;
-    double low = std::max(t.low, 0.0);
+    double low = t.low > 0.0 ? t.low : 0.0;  // never -0, whose negative powers are -inf
     double root = 1.0 / n;
     Interval magnitude = n > 0.0 ? Interval{std::pow(low, root), std::pow(t.high, root)}
                                  : Interval{std::pow(t.high, root), std::pow(low, root)};

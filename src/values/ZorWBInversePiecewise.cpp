@@ -88,15 +88,21 @@ Interval TruncProjection(const Interval& r, const Interval& x, const Interval&, 
     return ZorWBInverseClip({low, high}, x);
 }
 
-// An integer is its own floor and ceiling; reals use the interval forms.
+// x with floor(x) in r: [first, last + 1). The interval form takes its hair
+// from r's high bound; here, as for the other open ends, the hair is taken
+// from the excluded bound itself, so that a huge high bound cannot cut the
+// low end.
 Interval FloorProjection(const Interval& r, const Interval& x, const Interval&, bool integer) {
-    return ZorWBInverseClip(
-        integer ? Interval{std::ceil(r.low), std::floor(r.high)} : ZorWBInverseFloor(r), x);
+    double first = 0.0, last = 0.0;
+    if (!Integers(r, first, last)) return ZorWBReal_Nil;
+    return ZorWBInverseClip({first, ZorWBInverseOpenUpper(last + 1.0, integer)}, x);
 }
 
+// x with ceil(x) in r: (first - 1, last].
 Interval CeilProjection(const Interval& r, const Interval& x, const Interval&, bool integer) {
-    return ZorWBInverseClip(
-        integer ? Interval{std::ceil(r.low), std::floor(r.high)} : ZorWBInverseCeil(r), x);
+    double first = 0.0, last = 0.0;
+    if (!Integers(r, first, last)) return ZorWBReal_Nil;
+    return ZorWBInverseClip({ZorWBInverseOpenLower(first - 1.0, integer), last}, x);
 }
 
 // ---------------------------------------------------------------- step
