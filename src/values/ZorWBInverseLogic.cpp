@@ -125,6 +125,17 @@ bool ReadComparison(const ZorWBEnvironment& environment, const ZorWBValue& resul
     return true;
 }
 
+// The value set operations answer in the common kind of their operands (an
+// interval meeting a list becomes a list); the inverse keeps the domain's.
+ZorWBValue InKindOf(const ZorWBEnvironment& environment, const ZorWBValue& domain,
+                    const ZorWBValue& narrowed) {
+    if (ZorWBIsEmpty(environment, narrowed)) return ZorWBInverseEmptyLike(domain);
+    if (narrowed.GetType() == domain.GetType()) return narrowed;
+    ZorWBValue answer(domain);
+    answer.Assign(environment, narrowed);
+    return answer;
+}
+
 ZorWBValue InverseEquality(const ZorWBEnvironment& environment, const ZorWBValue& result,
                            const ZorWBValue& domain, const ZorWBValue& other, bool negate) {
     int truths = 0;
@@ -134,15 +145,16 @@ ZorWBValue InverseEquality(const ZorWBEnvironment& environment, const ZorWBValue
     switch (truths) {
         case kTrueBit:
             if (!ZorWBIntersect(environment, narrowed, other)) return ZorWBInverseEmptyLike(domain);
-            return narrowed;
+            return InKindOf(environment, domain, narrowed);
         case kFalseBit:
             // Only a single value of y can be taken out of x.
-            if (ZorWBIsExact(environment, other)) ZorWBExclude(environment, narrowed, other);
-            return narrowed;
+            if (!ZorWBIsExact(environment, other)) return domain;
+            ZorWBExclude(environment, narrowed, other);
+            return InKindOf(environment, domain, narrowed);
         case 0:
             return ZorWBInverseEmptyLike(domain);
         default:
-            return narrowed;
+            return domain;
     }
 }
 

@@ -193,26 +193,18 @@ Interval PositiveDivisors(const Interval& r, const Interval& x, double yl, doubl
     if (s.rl > s.rh || floor > yh) return ZorWBReal_Nil;
 
     Interval hull = ZorWBInverseHull(s.Of(0.0), s.Of(-1.0));
-    // Quotients k >= 1.
+    // Quotients k >= 1 (the other pairs of conditions follow from these).
     double reach = x.high - s.rl;
     if (reach >= 0.0) {
         double first = std::max({1.0, (x.low - s.rh) / yh, (x.low + gap) / yh - 1.0});
-        double last = std::min(Ratio(reach, floor), Ratio(reach, x.low + gap - x.high + s.rl));
-        hull = ZorWBInverseHull(hull, FamilyHull(s, 1.0, first, last, 1.0));
+        hull = ZorWBInverseHull(hull, FamilyHull(s, 1.0, first, Ratio(reach, floor), 1.0));
     }
     // Quotients k = -m, m >= 2.
     double depth = -(x.low + gap);
     if (s.rh - x.low >= 0.0 && depth >= 0.0) {
-        double lead = s.rl - x.high;
-        double cross = lead - depth;
-        double first = std::max(2.0, lead / yh);
+        double first = std::max(2.0, (s.rl - x.high) / yh);
         double last = std::min(Ratio(s.rh - x.low, floor), 1.0 + Ratio(depth, floor));
-        if (cross > 0.0)
-            last = std::min(last, lead / cross);
-        else if (cross < 0.0)
-            first = std::max(first, lead / cross);
-        if (cross != 0.0 || lead >= 0.0)
-            hull = ZorWBInverseHull(hull, FamilyHull(s, -1.0, first, last, 2.0));
+        hull = ZorWBInverseHull(hull, FamilyHull(s, -1.0, first, last, 2.0));
     }
     return hull;
 }

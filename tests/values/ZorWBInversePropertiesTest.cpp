@@ -28,7 +28,15 @@ using Inverse = std::function<ZorWBValue(Env, V, V, V)>;
 using Forward = std::function<ZorWBValue(Env, V, V)>;
 
 // What a generator draws for one operand.
-enum class Draw { IntegerInterval, RealInterval, IntegerMixed, RealMixed, Mixed, Boolean };
+enum class Draw {
+    IntegerInterval,
+    IntegerScalar,
+    RealInterval,
+    IntegerMixed,
+    RealMixed,
+    Mixed,
+    Boolean
+};
 
 // A value read as a set: a finite list of points, or an interval.
 struct TestSet {
@@ -104,6 +112,7 @@ class Generator {
     ZorWBValue Value(Draw draw, double low, double high, bool infinite) {
         if (draw == Draw::Mixed) draw = Chance(0.5) ? Draw::IntegerMixed : Draw::RealMixed;
         if (draw == Draw::Boolean) return ZorWBValue(static_cast<ZorWBBoolean>(Integer(0, 3)));
+        if (draw == Draw::IntegerScalar) return ZorWBValue(Integer(int(low), int(high)));
         bool integer = draw == Draw::IntegerInterval || draw == Draw::IntegerMixed;
         // 0 an interval, 1 a scalar, 2 a list, 3 an enumeration held as an interval.
         int shape = draw == Draw::IntegerMixed ? Integer(0, 3)
@@ -229,9 +238,13 @@ void CheckCase(const PropertyCase& c) {
         SCOPED_TRACE(::testing::Message()
                      << "trial " << trial << ": result " << resultSet << " domain " << in
                      << " other " << otherSet << " answer " << out << " kind " << answer.GetType());
-        if (c.sameKind) ASSERT_TRUE(answer.GetType() == domain.GetType() || out.IsEmpty());
+        if (c.sameKind) {
+            ASSERT_TRUE(answer.GetType() == domain.GetType() || out.IsEmpty());
+        }
         for (double p : out.list ? out.points : std::vector<double>{out.low, out.high}) {
-            if (!out.IsEmpty()) ASSERT_TRUE(in.Holds(p, Tolerance(p))) << trial << " " << p;
+            if (!out.IsEmpty()) {
+                ASSERT_TRUE(in.Holds(p, Tolerance(p))) << p;
+            }
         }
         std::vector<double> feasible;
         std::vector<double> domainSamples = generate.Samples(in);
@@ -451,8 +464,19 @@ TEST(ZorWBInverseProperties, ValueForms) {
          true, 0},
         {"min", 44, ValueForm(ZorWBInverseMin), minOf, kAnyKind, kAnyKind, kAnyKind, false, 0},
         {"mod1", 45, ValueForm(ZorWBInverseMod1), modOf, kAnyKind, kAnyKind, kAnyKind, false, 11},
+        {"mod1 one divisor",
+         67,
+         ValueForm(ZorWBInverseMod1),
+         modOf,
+         kIntegerKinds,
+         kIntegerKinds,
+         {Draw::IntegerScalar, -6, 6},
+         true,
+         11},
         {"mod2", 46, ValueForm(ZorWBInverseMod2), Swapped(modOf), kIntegerKinds, kIntegerKinds,
          kIntegerKinds, true, 11},
+        {"mod2 real", 66, ValueForm(ZorWBInverseMod2), Swapped(modOf), kAnyKind, kAnyKind, kAnyKind,
+         false, 11},
         {"pow1", 47, ValueForm(ZorWBInversePow1), powOf, kAnyKind, kAnyKind, exponents, false, 0},
         {"pow2", 48, ValueForm(ZorWBInversePow2), Swapped(powOf), kAnyKind, exponents, kAnyKind,
          false, 0},
