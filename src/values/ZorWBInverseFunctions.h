@@ -21,9 +21,11 @@
 // - The answer never exceeds the domain. It is the exact set of the domain's
 //   points that can produce a value of the result set, or the closed hull of
 //   that set where the domain's kind cannot hold it (an interval cannot hold
-//   two separate pieces). An open end of a real set (floor, round, trunc,
-//   step, sign) is closed a relative hair inside; the comparisons take the
-//   plain closed hull; integer domains take the exact integer end.
+//   two separate pieces). An open end of a real set (floor, ceiling, round,
+//   trunc, step, sign, the positive exponents of the base 0) is closed a
+//   relative hair inside, the hair of the inverse floor taken from the
+//   excluded bound; the comparisons take the plain closed hull; integer
+//   domains take the exact integer end.
 // - An impossible projection is not an error: the answer is the empty set of
 //   the domain's kind (or the state 3).
 // - An operand combination that a function cannot handle sets the function's
@@ -64,9 +66,12 @@ ZORWBX_API ZorWBRealInterval ZorWBInverseMax(const ZorWBRealInterval& result,
 // Floored modulo a - b * floor(a / b). Mod1 narrows the dividend a, Mod2 the
 // divisor b. A divisor set that holds only 0 sets code 11; a bound that is
 // not a number sets 300 (result set), 301 (domain) or 302 (other operand).
-// The divisor 0 itself is skipped. With integer intervals the answer is exact
-// for a single divisor; a dividend narrowed over several divisors may keep an
-// integer that no divisor reaches.
+// The divisor 0 itself is skipped. Real remainders are taken in the closed
+// range between 0 and the divisor, so a real hull may keep a limit point
+// (a divisor that would leave a remainder equal to itself). With integer
+// intervals the divisors are exact, and so are the dividends of a single
+// divisor; a dividend narrowed over several divisors may keep an integer that
+// no divisor reaches.
 ZORWBX_API ZorWBIntegerInterval ZorWBInverseMod1(const ZorWBEnvironment& environment,
                                                  const ZorWBIntegerInterval& result,
                                                  const ZorWBIntegerInterval& dividend,
@@ -97,7 +102,10 @@ ZORWBX_API ZorWBRealInterval ZorWBInversePow2(const ZorWBEnvironment& environmen
                                               const ZorWBRealInterval& exponent,
                                               const ZorWBRealInterval& base);
 // The reals whose ceiling (floor) lies in result; the open end is closed a
-// relative hair inside.
+// relative hair inside: 1.5 e (at most 1), e = 1e-14 times a tenth of
+// result.high when that exceeds 1, else 1e-14 - for both functions taken from
+// result.high, so a huge high bound makes the ceiling's hair 1. (The value
+// forms take the hair from the excluded bound instead.)
 ZORWBX_API ZorWBRealInterval ZorWBInverseCeil(const ZorWBRealInterval& result);
 ZORWBX_API ZorWBRealInterval ZorWBInverseFloor(const ZorWBRealInterval& result);
 

@@ -227,14 +227,23 @@ Interval BothSigns(const Interval& r, const Interval& x, const Interval& y, bool
     return hull;
 }
 
-// Why a modulo operand set cannot be used, or 0.
-unsigned int ModError(const Interval& result, const Interval& domain, const Interval& other,
-                      const Interval& divisor) {
-    if (ZorWBInverseHasNaN(result)) return ZorWBError::InverseModInterval1;
-    if (ZorWBInverseHasNaN(domain)) return ZorWBError::InverseModInterval2;
-    if (ZorWBInverseHasNaN(other)) return ZorWBError::InverseModInterval3;
-    if (divisor.low == 0.0 && divisor.high == 0.0) return ZorWBError::InverseModInterval;
-    return ZorWBError::None;
+// Sets the code of a modulo operand set that cannot be used and answers
+// whether there was one: a bound that is not a number, or a divisor that can
+// only be 0.
+bool ReportModError(const ZorWBEnvironment& environment, const Interval& result,
+                    const Interval& domain, const Interval& other, bool domainIsDivisor) {
+    const Interval& divisor = domainIsDivisor ? domain : other;
+    unsigned int code = ZorWBError::None;
+    if (ZorWBInverseHasNaN(result))
+        code = ZorWBError::InverseModInterval1;
+    else if (ZorWBInverseHasNaN(domain))
+        code = ZorWBError::InverseModInterval2;
+    else if (ZorWBInverseHasNaN(other))
+        code = ZorWBError::InverseModInterval3;
+    else if (divisor.low == 0.0 && divisor.high == 0.0)
+        code = ZorWBError::InverseModInterval;
+    environment.SetError(code);
+    return code != ZorWBError::None;
 }
 
 // The integer form of a modulo projection through its real core.
@@ -247,11 +256,16 @@ ZorWBIntegerInterval IntegerMod(const ZorWBEnvironment& environment,
     Interval r = ZorWBInverseToReal(result);
     Interval x = ZorWBInverseToReal(domain);
     Interval y = ZorWBInverseToReal(other);
-    if (unsigned int code = ModError(r, x, y, domainIsDivisor ? x : y)) {
-        environment.SetError(code);
-        return domain;
-    }
+    if (ReportModError(environment, r, x, y, domainIsDivisor)) return domain;
     return ZorWBInverseToInteger(core(r, x, y, true));
+}
+
+bool ReportPowError(const ZorWBEnvironment& environment, const Interval& result,
+                    const Interval& domain, const Interval& other) {
+    bool unusable =
+        ZorWBInverseHasNaN(result) || ZorWBInverseHasNaN(domain) || ZorWBInverseHasNaN(other);
+    if (unusable) environment.SetError(ZorWBError::InverseOrPow);
+    return unusable;
 }
 
 // ---------------------------------------------------------------- power
@@ -440,10 +454,7 @@ ZorWBRealInterval ZorWBInverseMod1(const ZorWBEnvironment& environment,
                                    const ZorWBRealInterval& result,
                                    const ZorWBRealInterval& dividend,
                                    const ZorWBRealInterval& divisor) {
-    if (unsigned int code = ModError(result, dividend, divisor, divisor)) {
-        environment.SetError(code);
-        return dividend;
-    }
+    if (ReportModError(environment, result, dividend, divisor, false)) return dividend;
     return ZorWBInverseModDividends(result, dividend, divisor, false);
 }
 
@@ -458,20 +469,14 @@ ZorWBRealInterval ZorWBInverseMod2(const ZorWBEnvironment& environment,
                                    const ZorWBRealInterval& result,
                                    const ZorWBRealInterval& divisor,
                                    const ZorWBRealInterval& dividend) {
-    if (unsigned int code = ModError(result, divisor, dividend, divisor)) {
-        environment.SetError(code);
-        return divisor;
-    }
+    if (ReportModError(environment, result, divisor, dividend, true)) return divisor;
     return ZorWBInverseModDivisors(result, divisor, dividend, false);
 }
 
 ZorWBRealInterval ZorWBInversePow1(const ZorWBEnvironment& environment,
                                    const ZorWBRealInterval& result, const ZorWBRealInterval& base,
                                    const ZorWBRealInterval& exponent) {
-    if (ZorWBInverseHasNaN(result) || ZorWBInverseHasNaN(base) || ZorWBInverseHasNaN(exponent)) {
-        environment.SetError(ZorWBError::InverseOrPow);
-        return base;
-    }
+    if (ReportPowError(environment, result, base, exponent)) return base;
     return ZorWBInversePowBases(result, base, exponent);
 }
 
@@ -479,9 +484,6 @@ ZorWBRealInterval ZorWBInversePow2(const ZorWBEnvironment& environment,
                                    const ZorWBRealInterval& result,
                                    const ZorWBRealInterval& exponent,
                                    const ZorWBRealInterval& base) {
-    if (ZorWBInverseHasNaN(result) || ZorWBInverseHasNaN(base) || ZorWBInverseHasNaN(exponent)) {
-        environment.SetError(ZorWBError::InverseOrPow);
-        return exponent;
-    }
+    if (ReportPowError(environment, result, exponent, base)) return exponent;
     return ZorWBInversePowExponents(result, exponent, base, false);
 }
