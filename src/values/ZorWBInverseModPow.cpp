@@ -414,7 +414,9 @@ ZorWBRealInterval ZorWBInversePowBases(const ZorWBRealInterval& result,
     if (base.low < 0.0)
         hull = ZorWBInverseHull(
             hull, NegativeBases(result, {base.low, std::min(base.high, 0.0)}, exponent));
-    return hull;
+    // The base 0 and integers snapped from rounded bounds may lie a slack
+    // outside the domain.
+    return ZorWBInverseClip(hull, base);
 }
 
 ZorWBRealInterval ZorWBInversePowExponents(const ZorWBRealInterval& result,
@@ -438,7 +440,7 @@ ZorWBRealInterval ZorWBInversePowExponents(const ZorWBRealInterval& result,
     if (base.low < 0.0)
         hull = ZorWBInverseHull(
             hull, NegativeBaseExponents(result, exponent, {base.low, std::min(base.high, 0.0)}));
-    return hull;
+    return ZorWBInverseClip(hull, exponent);
 }
 
 // ---------------------------------------------------------------- public forms

@@ -422,3 +422,56 @@ TEST(ZorWBInverseValues, AnswersKeepTheDomainsKind) {
         T);
     EXPECT_EQ(environment.GetError(), 0u);
 }
+
+// Infinite ends, the infinity markers, the extreme integers and tiny or huge
+// magnitudes neither crash nor leave the domain.
+TEST(ZorWBInverseIntervals, ExtremeOperandsStayInsideTheDomain) {
+    const double L = ZorWBRealLimit, marker = ZorWBRealPlusInfinity;
+    const RI reals[] = {{-L, L},       {-marker, marker}, {0, 0}, {-1e-300, 1e-300}, {1e300, L},
+                        {-L, -1e-320}, {-7, 1e20},        {3, 3}, {-0.0, -0.0},      {L, -L}};
+    const II integers[] = {{-2147483647 - 1, 2147483647}, {-2147483646, 2147483646}, {0, 0},
+                           {2147483646, 2147483646},      {-5, 2147483647},          {7, -7}};
+    auto inside = [](const RI& answer, const RI& domain) {
+        return IsNil(answer) || (answer.low >= domain.low && answer.high <= domain.high);
+    };
+    auto insideInt = [](const II& answer, const II& domain) {
+        return IsNil(answer) || (answer.low >= domain.low && answer.high <= domain.high);
+    };
+    for (const RI& r : reals) {
+        for (const RI& x : reals) {
+            for (const RI& y : reals) {
+                ZorWBEnvironment environment(ZorWBLevel::All);
+                EXPECT_TRUE(inside(ZorWBInverseAbs(r, x), x));
+                EXPECT_TRUE(inside(ZorWBInverseMax(r, x, y), x));
+                EXPECT_TRUE(inside(ZorWBInverseMin(r, x, y), x));
+                EXPECT_TRUE(inside(ZorWBInverseMod1(environment, r, x, y), x));
+                EXPECT_TRUE(inside(ZorWBInverseMod2(environment, r, x, y), x));
+                EXPECT_TRUE(inside(ZorWBInversePow1(environment, r, x, y), x));
+                EXPECT_TRUE(inside(ZorWBInversePow2(environment, r, x, y), x));
+                ZorWBValue domain(x), other(y), result(r);
+                for (const ZorWBValue& answer :
+                     {ZorWBInverseAtan21(environment, result, domain, other),
+                      ZorWBInverseSign2(environment, result, domain, other),
+                      ZorWBInverseDim1(environment, result, domain, other),
+                      ZorWBInverseRound(environment, result, domain),
+                      ZorWBInverseStep(environment, result, domain, nullptr)}) {
+                    EXPECT_TRUE(inside(answer.GetAsRealInterval(), x));
+                }
+            }
+        }
+    }
+    for (const II& r : integers) {
+        for (const II& x : integers) {
+            for (const II& y : integers) {
+                ZorWBEnvironment environment(ZorWBLevel::All);
+                EXPECT_TRUE(insideInt(ZorWBInverseAbs(r, x), x));
+                EXPECT_TRUE(insideInt(ZorWBInverseMax(r, x, y), x));
+                EXPECT_TRUE(insideInt(ZorWBInverseMin(r, x, y), x));
+                EXPECT_TRUE(insideInt(ZorWBInverseMod1(environment, r, x, y), x));
+                EXPECT_TRUE(insideInt(ZorWBInverseMod2(environment, r, x, y), x));
+                ZorWBValue answer = ZorWBInverseTrunc(environment, ZorWBValue(r), ZorWBValue(x));
+                EXPECT_TRUE(insideInt(answer.GetAsIntegerInterval(), x));
+            }
+        }
+    }
+}
