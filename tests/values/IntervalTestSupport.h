@@ -13,6 +13,7 @@
 #include <initializer_list>
 #include <iomanip>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "values/ZorWBEnvironment.h"
@@ -42,8 +43,8 @@ inline double ClampToLimit(double value) {
 class IntervalGenerator {
   public:
     IntervalGenerator(std::uint64_t seed, double spanLow, double spanHigh,
-                      std::initializer_list<double> specials = {})
-        : _random(seed), _spanLow(spanLow), _spanHigh(spanHigh), _specials(specials) {}
+                      std::vector<double> specials = {})
+        : _random(seed), _spanLow(spanLow), _spanHigh(spanHigh), _specials(std::move(specials)) {}
 
     double Uniform(double low, double high) {
         return std::uniform_real_distribution<double>(low, high)(_random);
@@ -167,6 +168,55 @@ inline void ExpectExactIntegerImage(IntegerBinary function,
         ASSERT_EQ(result.high, expected.high)
             << "[" << a.low << ", " << a.high << "] with [" << b.low << ", " << b.high << "]";
         ASSERT_EQ(environment.GetError(), 0u);
+    }
+}
+
+using RealUnary = ZorWBRealInterval (*)(const ZorWBEnvironment&, const ZorWBRealInterval&);
+
+// A function of one real interval, checked on random arguments: within the
+// domain, the values at sampled points and at the critical points (where
+// the function turns) lie in the result and reach its bounds; an argument
+// wholly outside the domain is a domain error with the empty interval.
+struct UnaryCheck {
+    RealUnary function;
+    std::function<double(double)> point;
+    double domainLow;
+    double domainHigh;
+    double spanLow;
+    double spanHigh;
+    std::vector<double> specials;
+    std::function<std::vector<double>(const ZorWBRealInterval&)> criticalPoints;
+    double relative = 1e-12;
+};
+
+inline void ExpectSoundAndTightUnary(const UnaryCheck& check, std::uint64_t seed,
+                                     int trials = 3000) {
+    IntervalGenerator generator(seed, check.spanLow, check.spanHigh, check.specials);
+    for (int trial = 0; trial < trials; ++trial) {
+        const ZorWBRealInterval x = generator.Next();
+        const ZorWBRealInterval clipped = {std::fmax(x.low, check.domainLow),
+                                           std::fmin(x.high, check.domainHigh)};
+        const ZorWBEnvironment environment(0);
+        const ZorWBRealInterval result = check.function(environment, x);
+        if (clipped.low - clipped.high > ZorWBIntervalTolerance) {
+            ASSERT_TRUE(IsNil(result)) << "[" << x.low << ", " << x.high << "]";
+            ASSERT_EQ(environment.GetError(), 1u);
+            continue;
+        }
+        if (clipped.low > clipped.high) continue;
+        ASSERT_EQ(environment.GetError(), 0u);
+        ObservedHull observed;
+        for (double v : generator.Samples(clipped, 16))
+            observed.Add(ClampToLimit(check.point(v)));
+        if (check.criticalPoints) {
+            for (double v : check.criticalPoints(clipped)) {
+                if (clipped.low <= v && v <= clipped.high) {
+                    observed.Add(ClampToLimit(check.point(v)));
+                }
+            }
+        }
+        ASSERT_TRUE(IsSoundAndTight(result, observed, check.relative))
+            << std::setprecision(17) << "[" << x.low << ", " << x.high << "]";
     }
 }
 
