@@ -18,6 +18,7 @@
 #include "values/ZorWBEnvironment.h"
 #include "values/ZorWBFraction.h"
 #include "values/ZorWBInterval.h"
+#include "values/ZorWBInverseFunctions.h"
 #include "values/ZorWBLevel.h"
 #include "values/ZorWBValue.h"
 
