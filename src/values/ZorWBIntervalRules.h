@@ -1,0 +1,126 @@
+#ifndef ZORWB_INTERVALRULES_H
+#define ZORWB_INTERVALRULES_H
+
+// Rules shared by the interval operators (internal to the library): the
+// checks of operands, the clipping of an argument to a function's domain and
+// the normalisation of every real result. Each rule is written here once.
+
+#include <cmath>
+#include <cstdint>
+
+#include "values/ZorWBEnvironment.h"
+#include "values/ZorWBInterval.h"
+#include "values/ZorWBIntervalFunctions.h"
+
+namespace ZorWBIntervalRules {
+
+constexpr double Pi = 3.141592653589793;
+constexpr double HalfPi = 1.5707963267948966;
+constexpr double TwoPi = 6.283185307179586;
+constexpr double InversePi = 0.3183098861837907;
+
+inline bool IsEmptyInterval(const ZorWBRealInterval& a) {
+    return a.low - a.high > ZorWBIntervalTolerance;
+}
+inline bool IsEmptyInterval(const ZorWBIntegerInterval& a) {
+    return a.low > a.high;
+}
+
+// Every real result passes here: an inverted result, or one lying wholly
+// beyond the real limit, is the empty interval (without an error); otherwise
+// the bounds are clamped to the whole line. A NaN bound is an unknown end and
+// becomes the infinite end on its side.
+inline ZorWBRealInterval Normalise(double low, double high) {
+    if (low > high || low > ZorWBRealLimit || high < -ZorWBRealLimit) return ZorWBReal_Nil;
+    return {low >= -ZorWBRealLimit ? low : -ZorWBRealLimit,
+            high <= ZorWBRealLimit ? high : ZorWBRealLimit};
+}
+inline ZorWBRealInterval Normalise(const ZorWBRealInterval& a) {
+    return Normalise(a.low, a.high);
+}
+
+// A point value that overflows is the infinite end itself, so that the
+// elementary functions keep an overflowing bound at the limit instead of
+// losing the result.
+inline double ClampToLine(double value) {
+    if (value > ZorWBRealLimit) return ZorWBRealLimit;
+    if (value < -ZorWBRealLimit) return -ZorWBRealLimit;
+    return value;
+}
+
+// An integer bound beyond the finite range is the infinite end on its side.
+inline int ClampToIntegerLine(std::int64_t value) {
+    if (value > ZorWBIntegerMax) return ZorWBIntegerMax;
+    if (value < -ZorWBIntegerMax) return -ZorWBIntegerMax;
+    return static_cast<int>(value);
+}
+
+// An empty operand is a domain error: error 1, and the caller returns the
+// empty interval.
+template <typename... Intervals>
+bool RejectEmpty(const ZorWBEnvironment& environment, const Intervals&... operands) {
+    if (!(IsEmptyInterval(operands) || ...)) return false;
+    environment.SetError(ZorWBError::Domain);
+    return true;
+}
+
+// A set error, from this call or an earlier one not yet cleared, blanks
+// every later result of the same evaluation.
+inline bool IsBlocked(const ZorWBEnvironment& environment) {
+    return environment.GetError() != ZorWBError::None;
+}
+
+// True when an operator may compute: no operand is empty and the
+// environment holds no error.
+template <typename... Intervals>
+bool AcceptOperands(const ZorWBEnvironment& environment, const Intervals&... operands) {
+    return !RejectEmpty(environment, operands...) && !IsBlocked(environment);
+}
+
+// The operand checks of a function defined on [domainLow, domainHigh]: the
+// argument is clipped to the domain (a NaN bound counts as unknown and takes
+// the domain's bound); nothing left is a domain error. An argument that
+// touches the domain only within the emptiness tolerance becomes the point
+// on the domain's edge, so the function is never evaluated outside it.
+inline bool AcceptInDomain(const ZorWBEnvironment& environment, const ZorWBRealInterval& x,
+                           double domainLow, double domainHigh, ZorWBRealInterval& clipped) {
+    if (RejectEmpty(environment, x)) return false;
+    clipped = {std::fmax(x.low, domainLow), std::fmin(x.high, domainHigh)};
+    if (RejectEmpty(environment, clipped)) return false;
+    clipped.low = std::fmin(clipped.low, domainHigh);
+    clipped.high = std::fmax(clipped.high, domainLow);
+    return !IsBlocked(environment);
+}
+
+// The image of an increasing function: its values at the two bounds.
+template <typename Function>
+ZorWBRealInterval IncreasingImage(const ZorWBRealInterval& x, Function function) {
+    return Normalise(ClampToLine(function(x.low)), ClampToLine(function(x.high)));
+}
+
+// The image of an even function that increases on [0, +inf).
+template <typename Function>
+ZorWBRealInterval EvenImage(const ZorWBRealInterval& x, Function function) {
+    if (x.low >= 0.0) return IncreasingImage(x, function);
+    if (x.high <= 0.0) return IncreasingImage({-x.high, -x.low}, function);
+    return Normalise(ClampToLine(function(0.0)), ClampToLine(function(std::fmax(-x.low, x.high))));
+}
+
+// The hull of the parts of the branches that meet range. Each branch is met
+// through the snapping intersection with range as first operand, so a branch
+// ending within the tolerance of a bound of range lands exactly on it, and
+// the result never leaves range. No branch meeting range gives the empty
+// interval without an error: the range simply holds no solution.
+inline ZorWBRealInterval HullInRange(const ZorWBRealInterval& range,
+                                     const ZorWBRealInterval* branches, int count) {
+    ZorWBRealInterval hull = ZorWBReal_Nil;
+    for (int i = 0; i < count; ++i) {
+        const ZorWBRealInterval part = ZorWBIntersect(range, branches[i], ZorWBIntervalTolerance);
+        if (!IsEmptyInterval(part)) hull = ZorWBUnite(hull, part);
+    }
+    return hull;
+}
+
+}  // namespace ZorWBIntervalRules
+
+#endif
