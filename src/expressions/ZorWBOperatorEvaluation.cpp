@@ -41,6 +41,13 @@ double RealRoot(double x, double degree) {
     return std::pow(x, 1.0 / degree);
 }
 
+// The remainder with the sign of the divisor.
+double FlooredModulo(double a, double b) {
+    double remainder = std::fmod(a, b);
+    if (remainder != 0.0 && (remainder < 0.0) != (b < 0.0)) remainder += b;
+    return remainder;
+}
+
 double Truth(bool b) {
     return b ? 1.0 : 0.0;
 }
@@ -99,7 +106,7 @@ BinaryKind BinaryKindOf(Type type) {
         case Type::Dim:      return {ZorWBDim, [](double a, double b) { return std::fdim(a, b); }};
         case Type::Sign:     return {ZorWBSign, [](double a, double b) {
                                          return b >= 0.0 ? std::fabs(a) : -std::fabs(a); }};
-        case Type::Mod:      return {ZorWBMod, [](double a, double b) { return std::fmod(a, b); }};
+        case Type::Mod:      return {ZorWBMod, FlooredModulo};
         // clang-format on
         default:
             return {nullptr, nullptr};
@@ -118,11 +125,11 @@ LogicalKind LogicalKindOf(Type type) {
         case Type::Implication: return {[](E, V a, V b) { return ZorWBImplication(a, b); },
                                         [](double a, double b, double) { return Truth(a == 0.0 || b != 0.0); }};
         case Type::Equal:       return {ZorWBEqual, [](double a, double b, double tolerance) {
-                                            return Truth(std::fabs(a - b) < tolerance); }};
+                                            return Truth(std::fabs(a - b) < tolerance || a == b); }};
         case Type::NotEqual:    return {ZorWBNotEqual, [](double a, double b, double tolerance) {
-                                            return Truth(!(std::fabs(a - b) < tolerance)); }};
+                                            return Truth(!(std::fabs(a - b) < tolerance || a == b)); }};
         case Type::LessEqual:   return {ZorWBLessEqual, [](double a, double b, double tolerance) {
-                                            return Truth(a <= b + tolerance); }};
+                                            return Truth(a - b < tolerance || a <= b); }};
         // clang-format on
         default:
             return {nullptr, nullptr};
