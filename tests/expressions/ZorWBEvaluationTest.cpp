@@ -174,6 +174,25 @@ TEST(ZorWBEvaluation, UnbufferedNodesSpreadToAncestorsAndGiveBufferingBack) {
     EXPECT_TRUE(late->AllowsBufferEval());
 }
 
+TEST(ZorWBEvaluation, SharedUnbufferedNodesRunOncePerEvaluation) {
+    ZorWBFactory f(ZorWBLevel::All);
+    CountingBlackBox bb;
+    bb.offset = 1.0;
+    ZorWBExpression* call = f.DeclareBlackBox(&bb, 0, nullptr, false);
+    // A tower of squares: as a tree it would hold 2^40 calls.
+    ZorWBExpression* tower = call;
+    for (int i = 0; i < 40; ++i) tower = f.CreateProduct(tower, tower);
+    ZorWBExpression* root = f.CreateSum(tower, f.CreateSin(call));
+    EXPECT_DOUBLE_EQ(RealValue(root), 1.0 + std::sin(1.0));
+    EXPECT_EQ(bb.calls, 1);
+    f.ResetNbOfEvaluations();
+    RealValue(root);
+    EXPECT_EQ(bb.calls, 2);
+    EXPECT_EQ(f.GetNbOfEvaluations(), 43);  // the call, 40 squares, Sin and Sum
+    EXPECT_DOUBLE_EQ(root->Eval(), 1.0 + std::sin(1.0));
+    EXPECT_EQ(bb.calls, 3);
+}
+
 TEST(ZorWBEvaluation, BufferingComesBackThroughDiamonds) {
     // Two unbuffered sources under a diamond: buffering returns to the top
     // only once both are given back, in either order.
