@@ -1,6 +1,5 @@
 #include "expressions/ZorWBBlackBox.h"
 
-#include <cmath>
 #include <limits>
 
 #include "expressions/ZorWBBlackBoxOperator.h"

@@ -207,7 +207,7 @@ ZorQelString ZorWBFactory::GetPropertyName(int i) const {
 
 void ZorWBFactory::UseTemporaryStorage(bool use) {
     _temporaryMode = use;
-    if (use) return;
+    if (use || _temporaryExpressions.IsEmpty()) return;
     std::unordered_map<const ZorWBExpression*, ZorWBExpression*> copies;
     for (ZorWBEquation* equation : _equations)
         equation->SetRoot(ReplaceTemporaryExpressions(equation->GetRoot(), copies));

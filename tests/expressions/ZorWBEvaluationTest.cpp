@@ -181,7 +181,8 @@ TEST(ZorWBEvaluation, SharedUnbufferedNodesRunOncePerEvaluation) {
     ZorWBExpression* call = f.DeclareBlackBox(&bb, 0, nullptr, false);
     // A tower of squares: as a tree it would hold 2^40 calls.
     ZorWBExpression* tower = call;
-    for (int i = 0; i < 40; ++i) tower = f.CreateProduct(tower, tower);
+    for (int i = 0; i < 40; ++i)
+        tower = f.CreateProduct(tower, tower);
     ZorWBExpression* root = f.CreateSum(tower, f.CreateSin(call));
     EXPECT_DOUBLE_EQ(RealValue(root), 1.0 + std::sin(1.0));
     EXPECT_EQ(bb.calls, 1);

@@ -3,6 +3,7 @@
 #include "ExpressionTestSupport.h"
 #include "expressions/ZorWBBlackBoxOperator.h"
 #include "expressions/ZorWBOperator.h"
+#include "values/AllocationCounter.h"
 
 using Type = ZorWBExpressionType;
 
@@ -141,7 +142,10 @@ TEST(ZorWBNode, PropertiesFallBackToTheRegistryDefault) {
     ZorWBVariable* x = f.CreateVariable();
     EXPECT_EQ(x->GetProperty(weight), 7);
     EXPECT_EQ(x->GetProperty(42), -1);  // never registered
-    x->SetProperty(mark, 0);            // the default: nothing is stored
+    std::size_t allocations = AllocationCount();
+    x->SetProperty(mark, 0);  // the default: nothing is stored or allocated
+    x->SetProperty(weight, 7);
+    EXPECT_EQ(AllocationCount(), allocations);
     EXPECT_EQ(x->GetProperty(mark), 0);
     x->SetProperty(mark, 5);
     EXPECT_EQ(x->GetProperty(mark), 5);
