@@ -28,12 +28,12 @@ class WidthBlackBox : public ZorWBBlackBox {
 }  // namespace
 
 TEST(ZorWBBlackBox, DeclarationNamesAndSerialNumbers) {
-    ZorWBFactory f(ZorWBLevel::All);
-    ZorWBVariable* x = f.CreateVariable();
-    ZorWBExpression* args[] = {x, f.GetTwo()};
     CountingBlackBox first;
     CountingBlackBox second;
     CountingBlackBox named;
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    ZorWBExpression* args[] = {x, f.GetTwo()};
     named.SetName("force");
     EXPECT_EQ(f.DeclareBlackBox(nullptr, 1, args, false), nullptr);
     EXPECT_EQ(f.DeclareBlackBox(&first, 2, nullptr, false), nullptr);
@@ -66,12 +66,12 @@ TEST(ZorWBBlackBox, ArgumentsReachTheBlackBoxAndCallsAreNotBuffered) {
     for (unsigned int level :
          {Below(ZorWBLevel::ResetBufferUpward), ZorWBLevel::ResetBufferUpward}) {
         bool unbuffered = level >= ZorWBLevel::ResetBufferUpward;
+        CountingBlackBox bb;
         ZorWBFactory f(level);
         ZorWBVariable* x = f.CreateVariable();
         ZorWBVariable* y = f.CreateVariable();
         SetReal(x, 2.0);
         SetReal(y, 0.5);
-        CountingBlackBox bb;
         ZorWBExpression* args[] = {f.CreateSin(x), y};
         ZorWBExpression* call = f.DeclareBlackBox(&bb, 2, args, false);
         ZorWBExpression* above = f.CreateProduct(call, f.GetTwo());
@@ -101,10 +101,12 @@ TEST(ZorWBBlackBox, ArgumentsReachTheBlackBoxAndCallsAreNotBuffered) {
 }
 
 TEST(ZorWBBlackBox, OneBlackBoxServesSeveralCalls) {
+    CountingBlackBox bb;
+    CountingBlackBox lonely;
+    WidthBlackBox width;
     ZorWBFactory f(ZorWBLevel::All);
     ZorWBVariable* x = f.CreateVariable();
     SetReal(x, 3.0);
-    CountingBlackBox bb;
     ZorWBExpression* firstArgs[] = {x};
     ZorWBExpression* secondArgs[] = {f.CreateProduct(x, x)};
     ZorWBExpression* first = f.DeclareBlackBox(&bb, 1, firstArgs, false);
@@ -118,12 +120,10 @@ TEST(ZorWBBlackBox, OneBlackBoxServesSeveralCalls) {
     EXPECT_DOUBLE_EQ(bb.GetArgument(0), 9.0);
     EXPECT_TRUE(std::isnan(bb.GetArgument(1)));
     EXPECT_EQ(bb.GetArgumentValue(-1).GetType(), ZorWBUndefinedType);
-    CountingBlackBox lonely;
     EXPECT_EQ(lonely.GetNbOfArguments(), 0);
     EXPECT_TRUE(std::isnan(lonely.GetArgument(0)));
 
     // Interval arguments reach a black box that reads values.
-    WidthBlackBox width;
     x->SetExprValue(ZorWBValue(ZorWBRealInterval{1.0, 4.0}));
     ZorWBExpression* widthArgs[] = {x};
     EXPECT_DOUBLE_EQ(RealValue(f.DeclareBlackBox(&width, 1, widthArgs, false)), 3.0);
@@ -132,12 +132,12 @@ TEST(ZorWBBlackBox, OneBlackBoxServesSeveralCalls) {
 TEST(ZorWBBlackBox, EqualityByObjectFromItsLevel) {
     for (unsigned int level :
          {Below(ZorWBLevel::BlackBoxEqualityByObject), ZorWBLevel::BlackBoxEqualityByObject}) {
+        CountingBlackBox p;
+        CountingBlackBox q;
         ZorWBFactory f(level);
         ZorWBVariable* x = f.CreateVariable();
         ZorWBExpression* args[] = {x, f.GetOne()};
         ZorWBExpression* swapped[] = {f.GetOne(), x};
-        CountingBlackBox p;
-        CountingBlackBox q;
         ZorWBExpression* a = f.DeclareBlackBox(&p, 2, args, false);
         ZorWBExpression* b = f.DeclareBlackBox(&q, 2, args, false);
         ZorWBExpression* c = f.DeclareBlackBox(&p, 2, args, false);
@@ -173,9 +173,9 @@ TEST(ZorWBBlackBox, InternalBlackBoxesDieWithTheFactory) {
 }
 
 TEST(ZorWBBlackBox, DuplicatedRootsShareBlackBoxCalls) {
+    CountingBlackBox bb;
     ZorWBFactory f(ZorWBLevel::All);
     ZorWBVariable* x = f.CreateVariable();
-    CountingBlackBox bb;
     ZorWBExpression* args[] = {f.CreateSin(x)};
     ZorWBExpression* call = f.DeclareBlackBox(&bb, 1, args, false);
     ZorWBExpression* root = f.CreateSum(call, f.CreateRealConstant(1.0));

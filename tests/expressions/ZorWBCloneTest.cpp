@@ -59,9 +59,9 @@ TEST(ZorWBClone, CopyIntoAnotherFactoryMatchesVariablesByName) {
 }
 
 TEST(ZorWBClone, CopyWithinOneFactoryKeepsVariablesAndBlackBoxes) {
+    CountingBlackBox bb;
     ZorWBFactory f(ZorWBLevel::All);
     ZorWBVariable* x = f.CreateVariable();
-    CountingBlackBox bb;
     ZorWBExpression* args[] = {x};
     ZorWBExpression* call = f.DeclareBlackBox(&bb, 1, args, false);
     ZorWBExpression* root = f.CreateProduct(call, f.CreateRealConstant(2.0));

@@ -175,8 +175,8 @@ TEST(ZorWBEvaluation, UnbufferedNodesSpreadToAncestorsAndGiveBufferingBack) {
 }
 
 TEST(ZorWBEvaluation, SharedUnbufferedNodesRunOncePerEvaluation) {
-    ZorWBFactory f(ZorWBLevel::All);
     CountingBlackBox bb;
+    ZorWBFactory f(ZorWBLevel::All);
     bb.offset = 1.0;
     ZorWBExpression* call = f.DeclareBlackBox(&bb, 0, nullptr, false);
     // A tower of squares: as a tree it would hold 2^40 calls.
@@ -218,11 +218,11 @@ TEST(ZorWBEvaluation, BufferingComesBackThroughDiamonds) {
 }
 
 TEST(ZorWBEvaluation, IfThenElseEvaluatesOnlyTheChosenBranch) {
+    CountingBlackBox thenBox;
+    CountingBlackBox elseBox;
     ZorWBFactory f(ZorWBLevel::All);
     ZorWBVariable* x = f.CreateVariable();
     ZorWBVariable* y = f.CreateVariable();
-    CountingBlackBox thenBox;
-    CountingBlackBox elseBox;
     thenBox.offset = 10.0;
     elseBox.offset = 20.0;
     ZorWBExpression* thenPart = f.DeclareBlackBox(&thenBox, 0, nullptr, false);

@@ -160,6 +160,7 @@ TEST(ZorWBNode, PropertiesFallBackToTheRegistryDefault) {
 }
 
 TEST(ZorWBNode, ConstancyAndFreedom) {
+    CountingBlackBox bb;
     ZorWBFactory f(ZorWBLevel::All);
     ZorWBVariable* x = f.CreateVariable();
     ZorWBVariable* y = f.CreateVariable();
@@ -168,7 +169,6 @@ TEST(ZorWBNode, ConstancyAndFreedom) {
     EXPECT_TRUE(c->IsConstant());
     EXPECT_TRUE(f.CreateSin(f.CreateSum(c, f.GetPi()))->IsConstant());
     EXPECT_FALSE(f.CreateSin(f.CreateSum(c, y))->IsConstant());
-    CountingBlackBox bb;
     EXPECT_TRUE(f.DeclareBlackBox(&bb, 0, nullptr, false)->IsConstant());
 
     ZorWBExpression* e = f.CreateProduct(x, f.CreateCos(c));
