@@ -42,18 +42,14 @@ unsigned int ZorWBFactory::NewWalk() {
     return _walkCounter;
 }
 
-int ZorWBExpression::NextChildToEvaluate(const ZorWBExpression* node, int position, bool real) {
-    if (node->IsLeaf()) return -1;
-    if (node->_type == ZorWBExpressionType::IfThenElse) {
-        // The condition first, then only the branch it selects.
-        if (position == 0) return ZorWBGraphWalk::NbOfChildren(node) == 3 ? 0 : -1;
-        if (position > 1) return -1;
-        const ZorWBExpression* condition = ZorWBGraphWalk::Child(node, 0);
-        int branch = real ? ZorWBIfThenElseOperator::ChosenBranch(RealOf(condition))
-                          : ZorWBIfThenElseOperator::ChosenBranch(ValueOf(condition));
-        return branch > 0 ? branch : -1;
-    }
-    return position < ZorWBGraphWalk::NbOfChildren(node) ? position : -1;
+// The condition first, then only the branch it selects.
+int ZorWBExpression::NextIfThenElseChild(const ZorWBExpression* node, int position, bool real) {
+    if (position == 0) return ZorWBGraphWalk::NbOfChildren(node) == 3 ? 0 : -1;
+    if (position > 1) return -1;
+    const ZorWBExpression* condition = ZorWBGraphWalk::Child(node, 0);
+    int branch = real ? ZorWBIfThenElseOperator::ChosenBranch(RealOf(condition))
+                      : ZorWBIfThenElseOperator::ChosenBranch(ValueOf(condition));
+    return branch > 0 ? branch : -1;
 }
 
 template <bool Real>
@@ -89,7 +85,10 @@ void ZorWBExpression::RunEvaluation() const {
     while (stack.size() > base) {
         ZorWBFactory::EvalFrame& frame = stack.back();
         const ZorWBExpression* node = frame.node;
-        int childIndex = NextChildToEvaluate(node, frame.position++, Real);
+        int position = frame.position++;
+        int childIndex = node->_type == ZorWBExpressionType::IfThenElse
+                             ? NextIfThenElseChild(node, position, Real)
+                             : (position < ZorWBGraphWalk::NbOfChildren(node) ? position : -1);
         if (childIndex < 0) {
             stack.pop_back();
             finish(node);
@@ -99,7 +98,8 @@ void ZorWBExpression::RunEvaluation() const {
         bool ready = child->_walkMark == walk || (!Real && (child->_flags & BufferValidFlag));
         if (ready) continue;
         child->_walkMark = walk;
-        if (!push(child)) finish(child);
+        // A leaf has nothing below it to wait for.
+        if (child->IsLeaf() || !push(child)) finish(child);
     }
 
     --factory._evaluationDepth;

@@ -205,7 +205,7 @@ class ZORWBX_API ZorWBExpression {
     void RunEvaluation() const;
     const ZorWBValue& ComputeValue() const;
     void FinishValue() const;
-    static int NextChildToEvaluate(const ZorWBExpression* node, int position, bool real);
+    static int NextIfThenElseChild(const ZorWBExpression* node, int position, bool real);
     bool ValidatesWithoutOwnFlag() const;
     static ZorWBExpression* Substitute(ZorWBExpression* root, ZorWBVariable** vars,
                                        ZorWBExpression** exprs, int n);
