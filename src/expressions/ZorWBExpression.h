@@ -70,9 +70,14 @@ class ZORWBX_API ZorWBExpression {
     // the subgraph (parents before their children, each node once).
     virtual void UpdateExprValue(bool recursive);
     virtual void ResetBuffer(bool complete);
-    // Substitutes exprs[i] for vars[i]; see ZorWBSubstitution.cpp.
+    // Substitutes exprs[i] for vars[i] (the first listed pair of a variable
+    // wins): the result shares every node that does not change and copies
+    // the ones that do (a Step keeps its parameters, a black-box call its
+    // black box); null when a needed expression is null. Below the level
+    // ZorWBLevel::NewPartialEval the result is always a copy (the older
+    // evaluator worked on a duplicated equation root).
     virtual ZorWBExpression* PartialEval(ZorWBVariable** vars, ZorWBExpression** exprs, int n);
-    // The same substitution, always by copying the nodes that change.
+    // The same substitution at every level.
     virtual ZorWBExpression* Evaluate(int n, ZorWBVariable** vars, ZorWBExpression** exprs);
     // Structural equality: same types, equal constants, same variables, and
     // children matched in order, or without order for Sum, Product, Min and
