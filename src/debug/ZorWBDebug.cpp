@@ -1,6 +1,7 @@
 #include "debug/ZorWBDebug.h"
 
 #include <cstdio>
+#include <exception>
 #include <vector>
 
 #include "expressions/ZorWBConstant.h"
@@ -71,10 +72,11 @@ void ZorWBDebug::InitTraceFromEnv() {
     _initialized = true;
 }
 
-void ZorWBDebug::InitTraceFromEnv(WBX_TRACE::WBX_TRACE_CAT category, const char* name) {
+void ZorWBDebug::InitTraceFromEnv(WBX_TRACE::WBX_TRACE_CAT category, const char* name) try {
     if (!CheckCategory(category) || !name) return;
     int level = ZorQelGetEnvI((ZorQelString("WBxTrace_") + name).GetString());
     _levels[category] = level >= 1 && level <= 5 ? level : 0;
+} catch (const std::exception&) {
 }
 
 bool ZorWBDebug::ActiveTrace(WBX_TRACE::WBX_TRACE_CAT category,
@@ -101,7 +103,7 @@ void ZorWBDebug::PrintExp(const char* before, const ZorWBExpression* expression,
 
 // Written as a tree (a shared node once per use), with an explicit stack so
 // that deep graphs print without deep recursion.
-ZorQelString ZorWBDebug::ExpStr(const ZorWBExpression* expression) {
+ZorQelString ZorWBDebug::ExpStr(const ZorWBExpression* expression) try {
     if (!expression) return "null expression";
     struct Frame {
         const ZorWBExpression* node;
@@ -140,6 +142,8 @@ ZorQelString ZorWBDebug::ExpStr(const ZorWBExpression* expression) {
         }
     }
     return text;
+} catch (const std::exception&) {
+    return ZorQelString();
 }
 
 ZorQelString ZorWBDebug::Str(ZorWBEquationType type) {

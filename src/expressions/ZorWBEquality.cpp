@@ -9,6 +9,7 @@
 // compared once.
 
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <unordered_map>
 #include <utility>
@@ -137,10 +138,12 @@ class ZorWBEqualityEngine {
     std::unordered_map<Pair, bool, PairHash> _known;
 };
 
-bool ZorWBExpression::IsEqualTo(const ZorWBExpression* other) const {
+bool ZorWBExpression::IsEqualTo(const ZorWBExpression* other) const try {
     if (other == this) return true;
     if (!other || IsLeaf() || other->IsLeaf()) return false;
     ZorWBEqualityEngine engine;
     return engine.Compare(static_cast<const ZorWBOperator*>(this),
                           static_cast<const ZorWBOperator*>(other));
+} catch (const std::exception&) {
+    return false;
 }

@@ -1,5 +1,6 @@
 #include "expressions/ZorWBEquation.h"
 
+#include <exception>
 #include <unordered_map>
 #include <vector>
 
@@ -22,27 +23,31 @@ const ZorQelString& ZorWBEquation::GetName() {
     return _name;
 }
 
-void ZorWBEquation::GetTheoreticalVarList(ZorQelIntArray* out) const {
+void ZorWBEquation::GetTheoreticalVarList(ZorQelIntArray* out) const try {
     if (!out) return;
     for (int index : _theoreticalVariables)
         out->Add(index);
+} catch (const std::exception&) {
 }
 
-void ZorWBEquation::SetTheoreticalVarList(ZorQelIntArray* list) {
+void ZorWBEquation::SetTheoreticalVarList(ZorQelIntArray* list) try {
     if (!list) return;
     for (int index : *list)
         _theoreticalVariables.Add(index);
+} catch (const std::exception&) {
 }
 
-bool ZorWBEquation::MarkPresentVariables(ZorQelArray<unsigned char>& present) const {
+bool ZorWBEquation::MarkPresentVariables(ZorQelArray<unsigned char>& present) const try {
     int nbOfVariables = _factory->GetNbOfVariables();
     if (!_root || nbOfVariables == 0) return false;
     present.SetSize(nbOfVariables, 0);
     _root->FillPresentVariables(present.GetData());
     return true;
+} catch (const std::exception&) {
+    return false;
 }
 
-bool ZorWBEquation::FindPresentVariables(ZorQelListPZorWBVariable& out) const {
+bool ZorWBEquation::FindPresentVariables(ZorQelListPZorWBVariable& out) const try {
     ZorQelArray<unsigned char> present;
     if (!MarkPresentVariables(present)) return false;
     out.RemoveAll();
@@ -50,6 +55,8 @@ bool ZorWBEquation::FindPresentVariables(ZorQelListPZorWBVariable& out) const {
         if (present[i]) out.Add(_factory->GetVariable(i));
     }
     return true;
+} catch (const std::exception&) {
+    return false;
 }
 
 bool ZorWBEquation::AreVarConsistent() const {
@@ -70,7 +77,7 @@ void ZorWBEquation::DuplicateRoot() {
 // Each node once, children first: variables and black-box calls stay shared,
 // constants become new constants of the same value, other operators new
 // nodes of the same kind over the copied children.
-ZorWBExpression* ZorWBEquation::Clone(ZorWBExpression* e) {
+ZorWBExpression* ZorWBEquation::Clone(ZorWBExpression* e) try {
     if (!e) return nullptr;
     ZorWBFactory& factory = *_factory;
     std::unordered_map<const ZorWBExpression*, ZorWBExpression*> copies;
@@ -95,4 +102,6 @@ ZorWBExpression* ZorWBEquation::Clone(ZorWBExpression* e) {
             }
             return factory.MakeLike(nullptr, node, n, children.data());
         });
+} catch (const std::exception&) {
+    return nullptr;
 }

@@ -14,6 +14,7 @@
 // GetValue the error word tells whether anything below failed.
 
 #include <cmath>
+#include <exception>
 #include <limits>
 #include <new>
 #include <vector>
@@ -139,7 +140,7 @@ double ZorWBExpression::RealOf(const ZorWBExpression* node) {
     return node->Eval();
 }
 
-void ZorWBExpression::UpdateExprValue(bool recursive) {
+void ZorWBExpression::UpdateExprValue(bool recursive) try {
     std::vector<ZorWBExpression*> nodes;
     if (recursive) {
         nodes = ZorWBGraphWalk::Collect(this);
@@ -150,6 +151,7 @@ void ZorWBExpression::UpdateExprValue(bool recursive) {
         ZorWBValue value = node->GetValue();
         node->SetExprValue(value);
     }
+} catch (const std::exception&) {
 }
 
 double ZorWBExpression::RealReading(const ZorWBValue& value) {

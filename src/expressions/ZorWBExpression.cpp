@@ -1,6 +1,7 @@
 #include "expressions/ZorWBExpression.h"
 
 #include <climits>
+#include <exception>
 #include <new>
 
 #include "expressions/ZorWBFactory.h"
@@ -163,7 +164,7 @@ bool ZorWBExpression::ValidatesWithoutOwnFlag() const {
     return valid;
 }
 
-void ZorWBExpression::SetAllowBufferEval(bool allow, bool propagate, bool validate) {
+void ZorWBExpression::SetAllowBufferEval(bool allow, bool propagate, bool validate) try {
     auto apply = [allow, validate](ZorWBExpression* node) {
         if (!allow) {
             node->_flags = NoBufferFlag;
@@ -194,9 +195,10 @@ void ZorWBExpression::SetAllowBufferEval(bool allow, bool propagate, bool valida
             stack.push_back(parent);
         }
     }
+} catch (const std::exception&) {
 }
 
-void ZorWBExpression::ResetBufferComplete() {
+void ZorWBExpression::ResetBufferComplete() try {
     if (!AllowsBufferEval()) return;
     _flags = 0;
     if (_parents.IsEmpty()) return;
@@ -218,6 +220,7 @@ void ZorWBExpression::ResetBufferComplete() {
             stack.push_back(parent);
         }
     }
+} catch (const std::exception&) {
 }
 
 void ZorWBExpression::ResetBuffer(bool complete) {
@@ -228,7 +231,7 @@ void ZorWBExpression::ResetBuffer(bool complete) {
     }
 }
 
-void ZorWBExpression::ResetBufferDownward() {
+void ZorWBExpression::ResetBufferDownward() try {
     // The nodes are gathered first: the leaves' resets travel upward and
     // would disturb a walk in progress.
     std::vector<ZorWBExpression*> nodes = ZorWBGraphWalk::Collect(this);
@@ -239,6 +242,7 @@ void ZorWBExpression::ResetBufferDownward() {
             node->ResetBufferPartial();
         }
     }
+} catch (const std::exception&) {
 }
 
 // ------------------------------------------------------------ properties

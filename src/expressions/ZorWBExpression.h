@@ -25,6 +25,9 @@ using ZorQelListPZorWBVariable = ZorQelArray<ZorWBVariable*>;
 // a small call stack. Changing a variable or a constant invalidates the
 // buffers of exactly the nodes above it.
 //
+// Nothing throws: an operation that needs scratch memory and cannot get it
+// gives up quietly (false, null, or no change).
+//
 // The virtual operations are declared in a fixed slot order; derived classes
 // add their own after them.
 class ZORWBX_API ZorWBExpression {

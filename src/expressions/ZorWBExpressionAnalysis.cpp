@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <exception>
 #include <new>
 #include <unordered_map>
 #include <vector>
@@ -136,7 +137,7 @@ int RationalState(const ZorWBExpression* node, const std::vector<int>& states) {
 
 }  // namespace
 
-bool ZorWBExpression::IsConstant() const {
+bool ZorWBExpression::IsConstant() const try {
     if (_type == Type::Variable) return false;
     if (IsLeaf()) return true;
     bool constant = true;
@@ -145,9 +146,11 @@ bool ZorWBExpression::IsConstant() const {
         return constant;
     });
     return constant;
+} catch (const std::exception&) {
+    return false;
 }
 
-bool ZorWBExpression::IsFree(const ZorWBVariable* variable) const {
+bool ZorWBExpression::IsFree(const ZorWBVariable* variable) const try {
     if (!variable) return true;
     bool free = true;
     ZorWBGraphWalk::PreOrder(this, [variable, &free](const ZorWBExpression* node) {
@@ -155,9 +158,11 @@ bool ZorWBExpression::IsFree(const ZorWBVariable* variable) const {
         return free;
     });
     return free;
+} catch (const std::exception&) {
+    return false;
 }
 
-void ZorWBExpression::FillPresentVariables(unsigned char* present) const {
+void ZorWBExpression::FillPresentVariables(unsigned char* present) const try {
     if (!present) return;
     int nbOfVariables = _factory->GetNbOfVariables();
     ZorWBGraphWalk::PreOrder(this, [present, nbOfVariables](const ZorWBExpression* node) {
@@ -167,9 +172,10 @@ void ZorWBExpression::FillPresentVariables(unsigned char* present) const {
         }
         return true;
     });
+} catch (const std::exception&) {
 }
 
-int ZorWBExpression::FindPresentVariables(ZorQelListPZorWBVariable& variables) const {
+int ZorWBExpression::FindPresentVariables(ZorQelListPZorWBVariable& variables) const try {
     variables.RemoveAll();
     int nbOfVariables = _factory->GetNbOfVariables();
     std::vector<unsigned char> present(static_cast<std::size_t>(nbOfVariables), 0);
@@ -178,9 +184,11 @@ int ZorWBExpression::FindPresentVariables(ZorQelListPZorWBVariable& variables) c
         if (present[static_cast<std::size_t>(i)]) variables.Add(_factory->GetVariable(i));
     }
     return variables.GetSize();
+} catch (const std::exception&) {
+    return variables.GetSize();
 }
 
-int ZorWBExpression::FindPresentVariables(ZorWBVariable**& variables) const {
+int ZorWBExpression::FindPresentVariables(ZorWBVariable**& variables) const try {
     ZorQelListPZorWBVariable list;
     FindPresentVariables(list);
     variables = nullptr;
@@ -190,20 +198,29 @@ int ZorWBExpression::FindPresentVariables(ZorWBVariable**& variables) const {
     for (int i = 0; i < list.GetSize(); ++i)
         variables[i] = list[i];
     return list.GetSize();
+} catch (const std::exception&) {
+    variables = nullptr;
+    return 0;
 }
 
-bool ZorWBExpression::IsLinear() const {
+bool ZorWBExpression::IsLinear() const try {
     int degree = TotalDegree(this);
     return degree == 0 || degree == 1;
+} catch (const std::exception&) {
+    return false;
 }
 
-bool ZorWBExpression::IsQuadratic() const {
+bool ZorWBExpression::IsQuadratic() const try {
     int degree = TotalDegree(this);
     return degree >= 0 && degree <= 2;
+} catch (const std::exception&) {
+    return false;
 }
 
-bool ZorWBExpression::IsPolynomial() const {
+bool ZorWBExpression::IsPolynomial() const try {
     return TotalDegree(this) != NotPolynomial;
+} catch (const std::exception&) {
+    return false;
 }
 
 bool ZorWBExpression::IsPolynomial(const ZorWBVariable* variable) const {
@@ -211,15 +228,17 @@ bool ZorWBExpression::IsPolynomial(const ZorWBVariable* variable) const {
     return IsPolynomial(variable, degree);
 }
 
-bool ZorWBExpression::IsPolynomial(const ZorWBVariable* variable, int& degree) const {
+bool ZorWBExpression::IsPolynomial(const ZorWBVariable* variable, int& degree) const try {
     if (!variable) return false;
     int found = Degree(this, [variable](const ZorWBVariable* v) { return v == variable; });
     if (found == NotPolynomial) return false;
     degree = found;
     return true;
+} catch (const std::exception&) {
+    return false;
 }
 
-bool ZorWBExpression::IsRationalFunction(const ZorWBVariable* variable) const {
+bool ZorWBExpression::IsRationalFunction(const ZorWBVariable* variable) const try {
     if (!variable) return false;
     std::unordered_map<const ZorWBExpression*, int> states;
     std::vector<int> childStates;
@@ -233,4 +252,6 @@ bool ZorWBExpression::IsRationalFunction(const ZorWBVariable* variable) const {
         return RationalState(node, childStates);
     });
     return state != NotRational;
+} catch (const std::exception&) {
+    return false;
 }

@@ -4,6 +4,7 @@
 #include "expressions/ZorWBFactory.h"
 
 #include <climits>
+#include <exception>
 #include <new>
 #include <unordered_map>
 
@@ -205,7 +206,7 @@ ZorQelString ZorWBFactory::GetPropertyName(int i) const {
 
 // ------------------------------------------------------------ temporary storage
 
-void ZorWBFactory::UseTemporaryStorage(bool use) {
+void ZorWBFactory::UseTemporaryStorage(bool use) try {
     _temporaryMode = use;
     if (use || _temporaryExpressions.IsEmpty()) return;
     std::unordered_map<const ZorWBExpression*, ZorWBExpression*> copies;
@@ -217,11 +218,14 @@ void ZorWBFactory::UseTemporaryStorage(bool use) {
         _temporaryExpressions.RemoveAt(_temporaryExpressions.GetSize() - 1);
         delete node;
     }
+} catch (const std::exception&) {
 }
 
-ZorWBExpression* ZorWBFactory::ReplaceTemporaryExpressions(ZorWBExpression* e) {
+ZorWBExpression* ZorWBFactory::ReplaceTemporaryExpressions(ZorWBExpression* e) try {
     std::unordered_map<const ZorWBExpression*, ZorWBExpression*> copies;
     return ReplaceTemporaryExpressions(e, copies);
+} catch (const std::exception&) {
+    return e;
 }
 
 // Each node once, children first: a temporary node is copied (permanent,
@@ -269,7 +273,7 @@ bool ZorWBFactory::IsRemovableDescendant(const ZorWBExpression* node) const {
     return node->GetProperty(_temporaryProperty) == GetDefaultPropertyValue(_temporaryProperty);
 }
 
-void ZorWBFactory::DestroyDetached(const std::vector<ZorWBExpression*>& nodes) {
+void ZorWBFactory::DestroyDetached(const std::vector<ZorWBExpression*>& nodes) try {
     if (nodes.empty()) return;
     unsigned int walk = NewWalk();
     for (ZorWBExpression* node : nodes)
@@ -282,6 +286,7 @@ void ZorWBFactory::DestroyDetached(const std::vector<ZorWBExpression*>& nodes) {
     _expressions = kept;
     for (ZorWBExpression* node : nodes)
         delete node;
+} catch (const std::exception&) {
 }
 
 bool ZorWBFactory::RemoveExpression(ZorWBExpression*& e, const ZorWBExpression* exceptParent) {

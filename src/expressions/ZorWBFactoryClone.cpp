@@ -1,6 +1,7 @@
 // Copies of expressions and equations into this factory, from this factory or
 // another one.
 
+#include <exception>
 #include <unordered_map>
 #include <vector>
 
@@ -58,7 +59,7 @@ ZorWBExpression* ZorWBFactory::CloneWith(
 }
 
 ZorWBExpression* ZorWBFactory::CloneExpression(const ZorWBExpression* source,
-                                               ZorWBVariable* const* variableMap, int mapSize) {
+                                               ZorWBVariable* const* variableMap, int mapSize) try {
     if (!source) return nullptr;
     bool sameFactory = source->GetFactory() == this;
     return CloneWith(source, [&](ZorWBVariable* variable) -> ZorWBVariable* {
@@ -69,9 +70,12 @@ ZorWBExpression* ZorWBFactory::CloneExpression(const ZorWBExpression* source,
         }
         return sameFactory ? variable : MatchVariable(variable);
     });
+} catch (const std::exception&) {
+    return nullptr;
 }
 
-int ZorWBFactory::CloneEquations(const ZorWBFactory& source, const ZorQelIntArray* equationIds) {
+int ZorWBFactory::CloneEquations(const ZorWBFactory& source,
+                                 const ZorQelIntArray* equationIds) try {
     bool sameFactory = &source == this;
     // Matching all variables first, in index order, gives a new factory the
     // source's variables at the same indices.
@@ -102,4 +106,6 @@ int ZorWBFactory::CloneEquations(const ZorWBFactory& source, const ZorQelIntArra
         ++added;
     }
     return added;
+} catch (const std::exception&) {
+    return -1;
 }

@@ -2,6 +2,7 @@
 // checks the operands against the type's row of the node-type table and
 // builds the class of the type's family.
 
+#include <exception>
 #include <new>
 #include <vector>
 
@@ -204,7 +205,8 @@ ZorWBExpression* ZorWBFactory::CreateDifference(const int* tag, ZorWBExpression*
     return CreateSum(tag, a, CreateProduct(b, GetMinusOne()));
 }
 
-ZorWBExpression* ZorWBFactory::CreateSub(const int* tag, ZorWBExpression* a, ZorWBExpression* b) {
+ZorWBExpression* ZorWBFactory::CreateSub(const int* tag, ZorWBExpression* a,
+                                         ZorWBExpression* b) try {
     if (!b) return a;
     Pair pair{{a, b}};
     if (!OperandsBelongHere(2, pair.operands)) return nullptr;
@@ -224,6 +226,8 @@ ZorWBExpression* ZorWBFactory::CreateSub(const int* tag, ZorWBExpression* a, Zor
         return CreateSum(tag, a, product);
     }
     return CreateSum(tag, a, CreateProduct(CreateIntegerConstant(-1), b));
+} catch (const std::exception&) {
+    return nullptr;
 }
 
 // ------------------------------------------------------------ binary
@@ -432,12 +436,14 @@ ZorWBExpression* ZorWBFactory::CreateOperator(const int* tag, Type type,
     return CreateOperator(tag, type, operands.GetSize(), operands.GetData());
 }
 
-ZorWBExpression* ZorWBFactory::CreateOperator(const int* tag, const ZorWBExpression* node) {
+ZorWBExpression* ZorWBFactory::CreateOperator(const int* tag, const ZorWBExpression* node) try {
     if (!node || node->GetFactory() != this) return nullptr;
     std::vector<ZorWBExpression*> children;
     for (int i = 0; i < node->GetNbOfChildren(); ++i)
         children.push_back(const_cast<ZorWBExpression*>(node->GetChild(i)));
     return MakeLike(tag, node, static_cast<int>(children.size()), children.data());
+} catch (const std::exception&) {
+    return nullptr;
 }
 
 // ------------------------------------------------------------ polynomial terms
@@ -453,7 +459,7 @@ ZorWBExpression* ZorWBFactory::CreateQuadraticTerm(double a, double b, double c,
 }
 
 ZorWBExpression* ZorWBFactory::CreatePolynomialTerm(int degree, const double* coefficients,
-                                                    ZorWBVariable* x) {
+                                                    ZorWBVariable* x) try {
     ZorWBExpression* variable = x;
     if (degree < 0 || !coefficients || !OperandsBelongHere(1, &variable)) return nullptr;
     if (degree == 0) return CreateRealConstant(coefficients[0]);
@@ -465,4 +471,6 @@ ZorWBExpression* ZorWBFactory::CreatePolynomialTerm(int degree, const double* co
     }
     terms.push_back(CreateRealConstant(coefficients[degree]));
     return CreateSum(static_cast<int>(terms.size()), terms.data());
+} catch (const std::exception&) {
+    return nullptr;
 }

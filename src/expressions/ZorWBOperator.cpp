@@ -1,6 +1,7 @@
 #include "expressions/ZorWBOperator.h"
 
 #include <cmath>
+#include <exception>
 #include <new>
 #include <vector>
 
@@ -100,7 +101,7 @@ bool ZorWBOperator::ValidateAllowBufferEval() const {
     return true;
 }
 
-void ZorWBOperator::RemoveUniqueChildren() {
+void ZorWBOperator::RemoveUniqueChildren() try {
     ZorWBFactory& factory = *GetFactory();
     // A descendant goes when every parent it has goes: this node gives up
     // the children only it uses; a node that goes gives up all its children.
@@ -125,6 +126,7 @@ void ZorWBOperator::RemoveUniqueChildren() {
         }
     }
     factory.DestroyDetached(doomed);
+} catch (const std::exception&) {
 }
 
 bool ZorWBOperator::HasSameHead(const ZorWBOperator* other) const {

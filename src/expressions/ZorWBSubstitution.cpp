@@ -17,6 +17,7 @@
 // ReplaceVar, ReplaceBBx and Replace work in place instead: every node of the
 // subgraph that holds the target as a child gets the new expression there.
 
+#include <exception>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -74,7 +75,7 @@ ZorWBExpression* ZorWBExpression::Evaluate(int n, ZorWBVariable** vars, ZorWBExp
 }
 
 ZorWBExpression* ZorWBExpression::PartialEvalFromDuplicate(ZorWBVariable** vars,
-                                                           ZorWBExpression** exprs, int n) {
+                                                           ZorWBExpression** exprs, int n) try {
     ZorWBFactory& factory = *_factory;
     ZorWBEquation* equation = factory.AddEquation(this, ZorWBEqualZero);
     if (!equation) return nullptr;
@@ -84,6 +85,8 @@ ZorWBExpression* ZorWBExpression::PartialEvalFromDuplicate(ZorWBVariable** vars,
     ZorWBExpression* result = Substitute(duplicate, vars, exprs, n);
     if (duplicate && duplicate != this && duplicate != result) factory.RemoveExpression(duplicate);
     return result;
+} catch (const std::exception&) {
+    return nullptr;
 }
 
 namespace {
@@ -93,7 +96,7 @@ namespace {
 // cycle can form. Returns the new root.
 template <class Matches>
 ZorWBExpression* ReplaceWhere(ZorWBExpression* root, ZorWBExpression* replacement,
-                              Matches matches) {
+                              Matches matches) try {
     if (!root || !replacement || replacement->GetFactory() != root->GetFactory()) return root;
     if (matches(root)) return replacement;
     std::vector<ZorWBExpression*> nodes = ZorWBGraphWalk::Collect(root);
@@ -105,6 +108,8 @@ ZorWBExpression* ReplaceWhere(ZorWBExpression* root, ZorWBExpression* replacemen
             if (matches(node->GetChild(i))) node->ReplaceChild(i, replacement);
         }
     }
+    return root;
+} catch (const std::exception&) {
     return root;
 }
 
