@@ -28,17 +28,19 @@ double IntegerPower(double x, int exponent) {
     return ClampToLine(std::pow(x, static_cast<double>(exponent)));
 }
 
-// The non-negative degree-th root of v >= 0. Roots of degree 2 and 3 are
-// correctly rounded by the library; others take pow with the exponent
-// 1 / degree, which is itself rounded, and one Newton step corrects that.
+// The non-negative degree-th root of v >= 0. The square root is correctly
+// rounded; cbrt and pow with the rounded exponent 1 / degree are not, and
+// one Newton step with a fused residual brings exact powers back to their
+// exact roots.
 double PositiveRoot(double v, int degree) {
     if (degree == 1) return v;
     if (degree == 2) return std::sqrt(v);
-    if (degree == 3) return std::cbrt(v);
     if (v == 0.0) return 0.0;
-    double root = std::pow(v, 1.0 / degree);
+    double root = degree == 3 ? std::cbrt(v) : std::pow(v, 1.0 / degree);
     const double power = std::pow(root, degree - 1);
-    if (std::isfinite(power) && power > 0.0) root -= (power * root - v) / (degree * power);
+    if (std::isfinite(power) && power > 0.0) {
+        root -= std::fma(power, root, -v) / (static_cast<double>(degree) * power);
+    }
     return root;
 }
 

@@ -97,6 +97,10 @@ ZORWBX_API ZorWBIntegerInterval ZorWBDiv(const ZorWBEnvironment& environment,
                                          const ZorWBIntegerInterval& b);
 ZORWBX_API ZorWBRealInterval ZorWBDiv(const ZorWBEnvironment& environment,
                                       const ZorWBRealInterval& a, const ZorWBRealInterval& b);
+// Floored modulo a - b * floor(a / b), the result having the sign of b, as
+// the exact image of the two intervals (its closure for reals). A divisor of
+// 0 (or closer to 0 than the smallest positive real) is a domain error; a
+// divisor interval holding 0 and more is clipped to its non-zero values.
 ZORWBX_API ZorWBIntegerInterval ZorWBMod(const ZorWBEnvironment& environment,
                                          const ZorWBIntegerInterval& a,
                                          const ZorWBIntegerInterval& b);
@@ -117,13 +121,18 @@ ZORWBX_API ZorWBIntegerInterval ZorWBAbs(const ZorWBEnvironment& environment,
 ZORWBX_API ZorWBRealInterval ZorWBAbs(const ZorWBEnvironment& environment,
                                       const ZorWBRealInterval& a);
 
+// The base is clipped to [0, +inf); 0 ^ 0 is 1 and 0 to a negative power is
+// plus infinity (no error).
 ZORWBX_API ZorWBRealInterval ZorWBPow(const ZorWBEnvironment& environment,
                                       const ZorWBRealInterval& base,
                                       const ZorWBRealInterval& exponent);
+// Any base. The exponent 0 gives [1, 1]; a negative exponent with a base
+// holding 0 gives the whole line without an error.
 ZORWBX_API ZorWBRealInterval ZorWBPow(const ZorWBEnvironment& environment,
                                       const ZorWBRealInterval& base, int exponent);
 // The real degree-th roots of x that lie in range (both branches for even
-// degrees, hulled); RootPositive and RootNegative give one branch each.
+// degrees, hulled); RootPositive and RootNegative give the non-negative and
+// the non-positive roots. A degree below 1 is a domain error.
 ZORWBX_API ZorWBRealInterval ZorWBRoot(const ZorWBEnvironment& environment,
                                        const ZorWBRealInterval& x, int degree,
                                        const ZorWBRealInterval& range);
@@ -137,17 +146,22 @@ ZORWBX_API ZorWBRealInterval ZorWBExp(const ZorWBEnvironment& environment,
                                       const ZorWBRealInterval& x);
 ZORWBX_API ZorWBRealInterval ZorWBLn(const ZorWBEnvironment& environment,
                                      const ZorWBRealInterval& x);
+// The base-10 logarithm (ZorWBLn is the natural one).
 ZORWBX_API ZorWBRealInterval ZorWBLog(const ZorWBEnvironment& environment,
                                       const ZorWBRealInterval& x);
 ZORWBX_API ZorWBRealInterval ZorWBSin(const ZorWBEnvironment& environment,
                                       const ZorWBRealInterval& x);
 ZORWBX_API ZorWBRealInterval ZorWBCos(const ZorWBEnvironment& environment,
                                       const ZorWBRealInterval& x);
+// An interval reaching a pole gives the whole line.
 ZORWBX_API ZorWBRealInterval ZorWBTan(const ZorWBEnvironment& environment,
                                       const ZorWBRealInterval& x);
-// Inverse trigonometric functions: every angle within the environment's
-// trigonometric limits whose function value lies in x, intersected with the
-// current range of the result.
+// Inverse trigonometric functions: the principal values and every other
+// angle within the environment's trigonometric limits whose function value
+// lies in x, hulled over the parts that meet the current range of the
+// result, and kept within it. Given the principal range ([-pi/2, pi/2],
+// [0, pi], [-pi/2, pi/2], [-pi, pi] for atan2) they give the principal
+// value. Atan2 of a box holding the origin is every angle.
 ZORWBX_API ZorWBRealInterval ZorWBAsin(const ZorWBEnvironment& environment,
                                        const ZorWBRealInterval& x, const ZorWBRealInterval& range);
 ZORWBX_API ZorWBRealInterval ZorWBAcos(const ZorWBEnvironment& environment,

@@ -108,7 +108,60 @@ void CollectFamily(const ZorWBRealInterval& family, double period, double lowerL
     }
 }
 
-// The hull of the candidates that meet range, within range.
+// A candidate's part within range, and whether it is principal.
+struct Part {
+    ZorWBRealInterval interval;
+    bool principal;
+};
+
+bool IsNear(double a, double b) {
+    return std::fabs(a - b) <= 1e-12 * std::fmax(1.0, std::fabs(a));
+}
+
+bool IsPoint(const Part& part) {
+    return IsNear(part.interval.low, part.interval.high);
+}
+
+// Points lose to wider parts, then non-principal parts to principal ones.
+int Rank(const Part& part) {
+    return (IsPoint(part) ? 0 : 2) + (part.principal ? 1 : 0);
+}
+
+// A range exactly one period wide holds the angle of its two ends twice:
+// they are the same direction. A part of another branch that is only one of
+// these ends is dropped when a part of higher rank (or of equal rank and
+// listed earlier) covers its twin at the other end; principal parts are
+// always kept, so that every principal value stays in the result. So within
+// the principal range the principal value comes alone: atan2 at (0, -1) in
+// [-pi, pi] is pi, not the hull of pi and -pi. Ranges of any other width
+// keep every candidate.
+bool IsDuplicateEnd(const Part* parts, int count, int index, const ZorWBRealInterval& range,
+                    double period) {
+    const Part& part = parts[index];
+    if (part.principal || !IsPoint(part) || !IsNear(range.high - range.low, period)) return false;
+    const double at = part.interval.low;
+    double twin = 0.0;
+    if (IsNear(at, range.low)) {
+        twin = at + period;
+    } else if (IsNear(at, range.high)) {
+        twin = at - period;
+    } else {
+        return false;
+    }
+    for (int other = 0; other < count; ++other) {
+        if (other == index) continue;
+        const ZorWBRealInterval& cover = parts[other].interval;
+        const bool covers = (cover.low <= twin || IsNear(cover.low, twin)) &&
+                            (twin <= cover.high || IsNear(cover.high, twin));
+        const int rank = Rank(parts[other]);
+        if (covers && (rank > Rank(part) || (rank == Rank(part) && other < index))) return true;
+    }
+    return false;
+}
+
+// The hull of the candidates that meet range, within range (each met
+// through the snapping intersection with range first, so the result never
+// leaves range).
 ZorWBRealInterval SelectBranches(const ZorWBEnvironment& environment, const Branches& branches,
                                  const ZorWBRealInterval& range) {
     double lowerLimit = 0.0;
@@ -116,43 +169,57 @@ ZorWBRealInterval SelectBranches(const ZorWBEnvironment& environment, const Bran
     environment.GetTrigonometricLimits(lowerLimit, upperLimit);
     ZorWBRealInterval candidates[2 + 2 * 6];
     int count = 0;
-    for (int i = 0; i < branches.principalCount; ++i)
+    for (int i = 0; i < branches.principalCount; ++i) {
         candidates[count++] = branches.principal[i];
+    }
     for (int i = 0; i < branches.familyCount; ++i) {
         CollectFamily(branches.families[i], branches.period, lowerLimit, upperLimit, range,
                       candidates, count);
     }
-    return HullInRange(range, candidates, count);
+    Part parts[2 + 2 * 6];
+    int partCount = 0;
+    for (int i = 0; i < count; ++i) {
+        const ZorWBRealInterval part = ZorWBIntersect(range, candidates[i], ZorWBIntervalTolerance);
+        if (!IsEmptyInterval(part)) parts[partCount++] = {part, i < branches.principalCount};
+    }
+    ZorWBRealInterval hull = ZorWBReal_Nil;
+    for (int i = 0; i < partCount; ++i) {
+        if (!IsDuplicateEnd(parts, partCount, i, range, branches.period)) {
+            hull = ZorWBUnite(hull, parts[i].interval);
+        }
+    }
+    return hull;
+}
+
+// A principal image that is also a family of branches repeating every
+// period, and optionally a second family.
+Branches PeriodicBranches(const ZorWBRealInterval& principal, double period,
+                          const ZorWBRealInterval* second = nullptr) {
+    Branches branches;
+    branches.principal[branches.principalCount++] = principal;
+    branches.families[branches.familyCount++] = principal;
+    if (second != nullptr) branches.families[branches.familyCount++] = *second;
+    branches.period = period;
+    return branches;
 }
 
 // Solutions of sin t = v: asin v and pi - asin v, each plus multiples of 2 pi.
 Branches ArcSineBranches(const ZorWBRealInterval& x) {
     const ZorWBRealInterval principal = {std::asin(x.low), std::asin(x.high)};
-    Branches branches;
-    branches.principal[branches.principalCount++] = principal;
-    branches.families[branches.familyCount++] = principal;
-    branches.families[branches.familyCount++] = {Pi - principal.high, Pi - principal.low};
-    return branches;
+    const ZorWBRealInterval mirrored = {Pi - principal.high, Pi - principal.low};
+    return PeriodicBranches(principal, TwoPi, &mirrored);
 }
 
 // Solutions of cos t = v: acos v and -acos v, each plus multiples of 2 pi.
 Branches ArcCosineBranches(const ZorWBRealInterval& x) {
     const ZorWBRealInterval principal = {std::acos(x.high), std::acos(x.low)};
-    Branches branches;
-    branches.principal[branches.principalCount++] = principal;
-    branches.families[branches.familyCount++] = principal;
-    branches.families[branches.familyCount++] = {-principal.high, -principal.low};
-    return branches;
+    const ZorWBRealInterval mirrored = {-principal.high, -principal.low};
+    return PeriodicBranches(principal, TwoPi, &mirrored);
 }
 
 // Solutions of tan t = v: atan v plus multiples of pi.
 Branches ArcTangentBranches(const ZorWBRealInterval& x) {
-    const ZorWBRealInterval principal = {std::atan(x.low), std::atan(x.high)};
-    Branches branches;
-    branches.principal[branches.principalCount++] = principal;
-    branches.families[branches.familyCount++] = principal;
-    branches.period = Pi;
-    return branches;
+    return PeriodicBranches({std::atan(x.low), std::atan(x.high)}, Pi);
 }
 
 // The arc of directions of the points of a box, as an interval of angles no
@@ -173,7 +240,7 @@ Branches ArcTangent2Branches(const ZorWBRealInterval& y, const ZorWBRealInterval
     // axis has the direction pi.
     const double ys[] = {y.low + 0.0, y.high + 0.0};
     const double xs[] = {x.low + 0.0, x.high + 0.0};
-    const bool acrossPi = x.high < 0.0 && y.low < 0.0;
+    const bool acrossPi = x.high < 0.0 && y.low < 0.0 && y.high >= 0.0;
     ZorWBRealInterval arc = {HUGE_VAL, -HUGE_VAL};
     for (double cornerY : ys) {
         for (double cornerX : xs) {
@@ -190,6 +257,17 @@ Branches ArcTangent2Branches(const ZorWBRealInterval& y, const ZorWBRealInterval
     }
     branches.families[branches.familyCount++] = arc;
     return branches;
+}
+
+// The inverse of the sine or cosine: x clipped to [-1, 1].
+ZorWBRealInterval InverseOfBoundedFunction(const ZorWBEnvironment& environment,
+                                           const ZorWBRealInterval& x,
+                                           const ZorWBRealInterval& range,
+                                           Branches (*makeBranches)(const ZorWBRealInterval&)) {
+    if (RejectEmpty(environment, range)) return ZorWBReal_Nil;
+    ZorWBRealInterval clipped;
+    if (!AcceptInDomain(environment, x, -1.0, 1.0, clipped)) return ZorWBReal_Nil;
+    return SelectBranches(environment, makeBranches(clipped), range);
 }
 
 }  // namespace
@@ -224,18 +302,12 @@ ZorWBRealInterval ZorWBTan(const ZorWBEnvironment& environment, const ZorWBRealI
 
 ZorWBRealInterval ZorWBAsin(const ZorWBEnvironment& environment, const ZorWBRealInterval& x,
                             const ZorWBRealInterval& range) {
-    if (RejectEmpty(environment, range)) return ZorWBReal_Nil;
-    ZorWBRealInterval clipped;
-    if (!AcceptInDomain(environment, x, -1.0, 1.0, clipped)) return ZorWBReal_Nil;
-    return SelectBranches(environment, ArcSineBranches(clipped), range);
+    return InverseOfBoundedFunction(environment, x, range, ArcSineBranches);
 }
 
 ZorWBRealInterval ZorWBAcos(const ZorWBEnvironment& environment, const ZorWBRealInterval& x,
                             const ZorWBRealInterval& range) {
-    if (RejectEmpty(environment, range)) return ZorWBReal_Nil;
-    ZorWBRealInterval clipped;
-    if (!AcceptInDomain(environment, x, -1.0, 1.0, clipped)) return ZorWBReal_Nil;
-    return SelectBranches(environment, ArcCosineBranches(clipped), range);
+    return InverseOfBoundedFunction(environment, x, range, ArcCosineBranches);
 }
 
 ZorWBRealInterval ZorWBAtan(const ZorWBEnvironment& environment, const ZorWBRealInterval& x,

@@ -53,9 +53,9 @@ double RealModulo(const ZorWBEnvironment& environment, double x, double y) {
         if (x == 0.0 || (x > 0.0) == (y > 0.0)) return x;
         return RealDomainError(environment);
     }
-    double remainder = std::fmod(x, y);
-    if (remainder != 0.0 && (remainder < 0.0) != (y < 0.0)) remainder += y;
-    return remainder;
+    // The same formula as the interval modulo, so that mod(10, 0.2) is 0
+    // rather than the remainder of the binary 0.2.
+    return FinishReal(environment, x - y * std::floor(x / y));
 }
 
 // |a| with the sign of b, for integer and real intervals alike: b >= 0 keeps

@@ -29,31 +29,6 @@ ZorWBBoolean BooleanOfIntegerSet(const ZorWBIntegerInterval& set) {
     return ZorWBUnknown;
 }
 
-ZorWBValueType TableKind(ZorWBValueType first, ZorWBValueType second) {
-    constexpr int kinds = 8;
-    static constexpr ZorWBValueType table[kinds][kinds] = {
-        {ZorWBUndefinedType, ZorWBUndefinedType, ZorWBUndefinedType, ZorWBUndefinedType,
-         ZorWBUndefinedType, ZorWBUndefinedType, ZorWBUndefinedType, ZorWBUndefinedType},
-        {ZorWBUndefinedType, ZorWBIntegerType, ZorWBRealType, ZorWBIntegerIntervalType,
-         ZorWBRealIntervalType, ZorWBIntegerEnumType, ZorWBRealEnumType, ZorWBIntegerIntervalType},
-        {ZorWBUndefinedType, ZorWBRealType, ZorWBRealType, ZorWBRealIntervalType,
-         ZorWBRealIntervalType, ZorWBRealEnumType, ZorWBRealEnumType, ZorWBUndefinedType},
-        {ZorWBUndefinedType, ZorWBIntegerIntervalType, ZorWBRealIntervalType,
-         ZorWBIntegerIntervalType, ZorWBRealIntervalType, ZorWBIntegerEnumType, ZorWBRealEnumType,
-         ZorWBIntegerIntervalType},
-        {ZorWBUndefinedType, ZorWBRealIntervalType, ZorWBRealIntervalType, ZorWBRealIntervalType,
-         ZorWBRealIntervalType, ZorWBRealEnumType, ZorWBRealEnumType, ZorWBUndefinedType},
-        {ZorWBUndefinedType, ZorWBIntegerEnumType, ZorWBRealEnumType, ZorWBIntegerEnumType,
-         ZorWBRealEnumType, ZorWBIntegerEnumType, ZorWBRealEnumType, ZorWBIntegerIntervalType},
-        {ZorWBUndefinedType, ZorWBRealEnumType, ZorWBRealEnumType, ZorWBRealEnumType,
-         ZorWBRealEnumType, ZorWBRealEnumType, ZorWBRealEnumType, ZorWBUndefinedType},
-        {ZorWBUndefinedType, ZorWBIntegerIntervalType, ZorWBUndefinedType, ZorWBIntegerIntervalType,
-         ZorWBUndefinedType, ZorWBIntegerIntervalType, ZorWBUndefinedType, ZorWBBooleanType},
-    };
-    if (first < 0 || first >= kinds || second < 0 || second >= kinds) return ZorWBUndefinedType;
-    return table[first][second];
-}
-
 namespace {
 
 bool FractionReadsAsReal(const ZorWBEnvironment& environment) {
@@ -62,11 +37,11 @@ bool FractionReadsAsReal(const ZorWBEnvironment& environment) {
 
 // The operand itself, or its simplified reading kept in holder.
 const ZorWBValue* ReadOperand(const ZorWBEnvironment& environment, const ZorWBValue& value,
-                              ZorWBValue& holder) {
+                              std::optional<ZorWBValue>& holder) {
     if (!value.IsAFraction() || FractionReadsAsReal(environment)) return &value;
-    holder = value;
-    holder.SimplifyFraction(true);
-    return &holder;
+    holder.emplace(value);
+    holder->SimplifyFraction(true);
+    return &*holder;
 }
 
 }  // namespace
@@ -155,7 +130,7 @@ ElementCollector::ElementCollector(const ZorWBEnvironment& environment, long lon
 
 void ElementCollector::Add(const ZorWBValue& result) {
     if (result.IsAKindOf(ZorWBIntegerType))
-        Store(result.GetAsInteger(), true);
+        Store(IntegerToReal(result.GetAsInteger()), true);  // markers as real infinities
     else
         Store(result.GetAsReal(), false);
 }
@@ -170,16 +145,22 @@ void ElementCollector::Store(double result, bool isInteger) {
 
 namespace {
 
+// An integer result stored as a real: the infinities become the markers.
+int StoredInteger(double value) {
+    if (value > ZorWBIntegerMax) return ZorWBIntegerPlusInfinity;
+    if (value < -ZorWBIntegerMax) return ZorWBIntegerMinusInfinity;
+    return static_cast<int>(value);
+}
+
 ZorWBValue IntegerElements(const ZorWBEnvironment& environment, const double* values, int count) {
     ZorWBIntegerEnum enumeration(ZorWBEnumList);
     if (count > environment.GetMaxEnumSize()) {
-        ZorWBIntegerInterval hull = {static_cast<int>(values[0]),
-                                     static_cast<int>(values[count - 1])};
+        ZorWBIntegerInterval hull = {StoredInteger(values[0]), StoredInteger(values[count - 1])};
         return EnumFromInterval(environment, ZorWBValue(hull));
     }
     if (!enumeration.SetSize(count)) return NilEnum(true);
     for (int i = 0; i < count; ++i)
-        enumeration.Set(i, static_cast<int>(values[i]));
+        enumeration.Set(i, StoredInteger(values[i]));
     return ZorWBValue(enumeration);
 }
 

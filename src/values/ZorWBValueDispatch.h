@@ -14,9 +14,11 @@
 //   bool ElementWise() const                       enumerations element by element
 //
 // and, for one operand, how it reads a fraction and a boolean. The templates
-// do the rest, so the per-kind switch lives only here.
+// do the rest, so the per-kind switch of the operators lives only here (the
+// comparisons and the set tests have one template each in their files).
 
 #include <memory>
+#include <optional>
 
 #include "values/ZorWBEnvironment.h"
 #include "values/ZorWBIntervalFunctions.h"
@@ -88,8 +90,32 @@ ZorWBBoolean BooleanOfIntegerSet(const ZorWBIntegerInterval& set);
 
 // ------------------------------------------------------------ kinds
 
-// The kind-combination table; kinds outside 0..7 combine with nothing.
-ZorWBValueType TableKind(ZorWBValueType first, ZorWBValueType second);
+// The kind-combination table: rows the first operand's kind, columns the
+// second's; 0 where the pair cannot be combined.
+inline constexpr ZorWBValueType KindTable[8][8] = {
+    {ZorWBUndefinedType, ZorWBUndefinedType, ZorWBUndefinedType, ZorWBUndefinedType,
+     ZorWBUndefinedType, ZorWBUndefinedType, ZorWBUndefinedType, ZorWBUndefinedType},
+    {ZorWBUndefinedType, ZorWBIntegerType, ZorWBRealType, ZorWBIntegerIntervalType,
+     ZorWBRealIntervalType, ZorWBIntegerEnumType, ZorWBRealEnumType, ZorWBIntegerIntervalType},
+    {ZorWBUndefinedType, ZorWBRealType, ZorWBRealType, ZorWBRealIntervalType, ZorWBRealIntervalType,
+     ZorWBRealEnumType, ZorWBRealEnumType, ZorWBUndefinedType},
+    {ZorWBUndefinedType, ZorWBIntegerIntervalType, ZorWBRealIntervalType, ZorWBIntegerIntervalType,
+     ZorWBRealIntervalType, ZorWBIntegerEnumType, ZorWBRealEnumType, ZorWBIntegerIntervalType},
+    {ZorWBUndefinedType, ZorWBRealIntervalType, ZorWBRealIntervalType, ZorWBRealIntervalType,
+     ZorWBRealIntervalType, ZorWBRealEnumType, ZorWBRealEnumType, ZorWBUndefinedType},
+    {ZorWBUndefinedType, ZorWBIntegerEnumType, ZorWBRealEnumType, ZorWBIntegerEnumType,
+     ZorWBRealEnumType, ZorWBIntegerEnumType, ZorWBRealEnumType, ZorWBIntegerIntervalType},
+    {ZorWBUndefinedType, ZorWBRealEnumType, ZorWBRealEnumType, ZorWBRealEnumType, ZorWBRealEnumType,
+     ZorWBRealEnumType, ZorWBRealEnumType, ZorWBUndefinedType},
+    {ZorWBUndefinedType, ZorWBIntegerIntervalType, ZorWBUndefinedType, ZorWBIntegerIntervalType,
+     ZorWBUndefinedType, ZorWBIntegerIntervalType, ZorWBUndefinedType, ZorWBBooleanType},
+};
+
+// The table's entry; kinds outside 0..7 combine with nothing.
+inline ZorWBValueType TableKind(ZorWBValueType first, ZorWBValueType second) {
+    if (first < 0 || first >= 8 || second < 0 || second >= 8) return ZorWBUndefinedType;
+    return KindTable[first][second];
+}
 
 inline bool IsScalarKind(ZorWBValueType type) {
     return type == ZorWBIntegerType || type == ZorWBRealType || type == ZorWBFractionType;
@@ -120,8 +146,9 @@ class OperandPair {
     ZorWBValueType CommonType() const { return _commonType; }
 
   private:
-    ZorWBValue _firstReading;
-    ZorWBValue _secondReading;
+    // The simplified readings of fraction operands, made only when needed.
+    std::optional<ZorWBValue> _firstReading;
+    std::optional<ZorWBValue> _secondReading;
     const ZorWBValue* _first;
     const ZorWBValue* _second;
     ZorWBValueType _commonType;
@@ -347,22 +374,10 @@ ZorWBValue BinaryOnEnums(const ZorWBEnvironment& environment, const ZorWBValue& 
                                                        second.GetAsRealInterval())));
 }
 
-// Applies a two-operand operator in the common kind of its operands. Two
-// reals and two integers, the hot cases, are decided first.
 template <class Op>
-ZorWBValue ApplyBinary(const ZorWBEnvironment& environment, const ZorWBValue& a,
-                       const ZorWBValue& b, const Op& op) {
-    a.RecordEnv(environment);
-    b.RecordEnv(environment);
-    if (a.IsAKindOf(ZorWBRealType) && b.IsAKindOf(ZorWBRealType))
-        return ZorWBValue(op.Real(environment, a.GetAsReal(), b.GetAsReal()));
-    if (a.IsAKindOf(ZorWBIntegerType) && b.IsAKindOf(ZorWBIntegerType))
-        return op.Integer(environment, a.GetAsInteger(), b.GetAsInteger());
-
-    OperandPair operands(environment, a, b);
-    const ZorWBValue& x = operands.First();
-    const ZorWBValue& y = operands.Second();
-    switch (operands.CommonType()) {
+ZorWBValue BinaryInKind(const ZorWBEnvironment& environment, const ZorWBValue& x,
+                        const ZorWBValue& y, ZorWBValueType kind, const Op& op) {
+    switch (kind) {
         case ZorWBIntegerType:
             return op.Integer(environment, x.GetAsInteger(), y.GetAsInteger());
         case ZorWBRealType:
@@ -381,6 +396,25 @@ ZorWBValue ApplyBinary(const ZorWBEnvironment& environment, const ZorWBValue& a,
         default:
             return op.Incompatible(environment);
     }
+}
+
+// Applies a two-operand operator in the common kind of its operands. Two
+// reals and two integers, the hot cases, are decided first; fractions need
+// their reading by level.
+template <class Op>
+ZorWBValue ApplyBinary(const ZorWBEnvironment& environment, const ZorWBValue& a,
+                       const ZorWBValue& b, const Op& op) {
+    a.RecordEnv(environment);
+    b.RecordEnv(environment);
+    if (a.IsAKindOf(ZorWBRealType) && b.IsAKindOf(ZorWBRealType))
+        return ZorWBValue(op.Real(environment, a.GetAsReal(), b.GetAsReal()));
+    if (a.IsAKindOf(ZorWBIntegerType) && b.IsAKindOf(ZorWBIntegerType))
+        return op.Integer(environment, a.GetAsInteger(), b.GetAsInteger());
+    if (!a.IsAFraction() && !b.IsAFraction())
+        return BinaryInKind(environment, a, b, TableKind(a.GetType(), b.GetType()), op);
+    OperandPair operands(environment, a, b);
+    return BinaryInKind(environment, operands.First(), operands.Second(), operands.CommonType(),
+                        op);
 }
 
 }  // namespace ZorWBDispatch

@@ -512,6 +512,11 @@ ZorWBValue ZorWBRound(const ZorWBEnvironment& environment, const ZorWBValue& a,
     a.RecordEnv(environment);
     step.RecordEnv(environment);
     origin.RecordEnv(environment);
+    ZorWBValueType kinds[] = {LookupKind(environment, a), LookupKind(environment, step),
+                              LookupKind(environment, origin)};
+    if (!TableKind(kinds[0], kinds[1]) || !TableKind(kinds[0], kinds[2]) ||
+        !TableKind(kinds[1], kinds[2]))
+        return IncompatibleKinds(environment);
     if (IsMultipleList(step) || IsMultipleList(origin))
         return RoundToStepLists(environment, a, step, origin);
     return RoundToStep(environment, a, step, origin);

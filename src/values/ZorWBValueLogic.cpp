@@ -214,6 +214,7 @@ ZorWBValue ZorWBEqual(const ZorWBEnvironment& environment, const ZorWBValue& a,
     return ZorWBValue(Compare(environment, a, b, EqualComparison()));
 }
 
+// The negation of ZorWBEqual: kinds that cannot be combined are not equal.
 ZorWBValue ZorWBNotEqual(const ZorWBEnvironment& environment, const ZorWBValue& a,
                          const ZorWBValue& b) {
     return ZorWBNot(ZorWBEqual(environment, a, b));

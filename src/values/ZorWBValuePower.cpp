@@ -95,22 +95,19 @@ ZorWBValue IntegerPower(const ZorWBEnvironment& environment, int x, int y) {
     return ZorWBValue(ZorWBCreateFraction(numerator, denominator, 0, 0));
 }
 
-// A bound to the power n; beyond the finite range it is the infinite end.
-int SaturatedPower(int bound, int n) {
-    long long result = 0;
-    if (ExactPower(bound, n, result)) return static_cast<int>(result);
-    return (bound < 0 && n % 2 != 0) ? -ZorWBIntegerMax : ZorWBIntegerMax;
-}
-
-ZorWBIntegerInterval IntegerIntervalPower(const ZorWBEnvironment& environment,
-                                          const ZorWBIntegerInterval& base, int n) {
-    if (ZorWBIsEmpty(base)) return IntegerIntervalDomainError(environment);
-    if (n == 0) return {1, 1};
-    int low = SaturatedPower(base.low, n);
-    int high = SaturatedPower(base.high, n);
-    if (n % 2 != 0 || base.low >= 0) return {low, high};
-    if (base.high <= 0) return {high, low};
-    return {0, std::max(low, high)};
+// base^n on integer intervals (n >= 0); false when a bound's power leaves
+// the finite integer range (the power is then a real interval).
+bool IntegerIntervalPower(const ZorWBIntegerInterval& base, int n, ZorWBIntegerInterval& power) {
+    long long low = 0;
+    long long high = 0;
+    if (!ExactPower(base.low, n, low) || !ExactPower(base.high, n, high)) return false;
+    if (n % 2 != 0 || base.low >= 0)
+        power = {static_cast<int>(low), static_cast<int>(high)};
+    else if (base.high <= 0)
+        power = {static_cast<int>(high), static_cast<int>(low)};
+    else
+        power = {0, static_cast<int>(std::max(low, high))};
+    return true;
 }
 
 // The number of integer exponents that an interval power unites one by one.
@@ -154,8 +151,15 @@ struct PowOperator : OperatorBase {
     ZorWBValue IntegerInterval(const ZorWBEnvironment& environment,
                                const ZorWBIntegerInterval& base,
                                const ZorWBIntegerInterval& exponent) const {
-        if (exponent.low == exponent.high && exponent.low >= 0 && exponent.low <= ZorWBIntegerMax)
-            return ZorWBValue(IntegerIntervalPower(environment, base, exponent.low));
+        // Finite bounds to a single non-negative exponent stay integers when
+        // their powers do.
+        ZorWBIntegerInterval power;
+        bool single =
+            exponent.low == exponent.high && exponent.low >= 0 && exponent.low <= ZorWBIntegerMax;
+        bool finite =
+            base.low <= base.high && base.low > -ZorWBIntegerMax && base.high < ZorWBIntegerMax;
+        if (single && finite && IntegerIntervalPower(base, exponent.low, power))
+            return ZorWBValue(power);
         return ZorWBValue(IntervalPower(environment, ZorWBCreateRealInterval(base),
                                         ZorWBCreateRealInterval(exponent), true));
     }

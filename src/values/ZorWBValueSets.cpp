@@ -52,7 +52,28 @@ void SetEnum(ZorWBValue& target, const ZorWBValue& enumeration) {
         target.Set(enumeration.GetRealEnum());
 }
 
-ZorWBRealEnum Filter(const ZorWBRealEnum& list, const ZorWBRealEnum& other, double tolerance,
+bool IsNearInteger(double value, double tolerance) {
+    return std::fabs(value - std::round(value)) <= tolerance * std::max(1.0, std::fabs(value));
+}
+
+// An enumeration read as reals, and whether it holds integers only (an
+// integer interval holds no number between its integers).
+struct RealSet {
+    ZorWBRealEnum elements;
+    bool integers;
+
+    bool Contains(double value, double tolerance) const {
+        return elements.Contains(value, tolerance) &&
+               (!integers || IsNearInteger(value, tolerance));
+    }
+};
+
+RealSet ReadRealSet(const ZorWBEnvironment& environment, const ZorWBValue& value, bool integers) {
+    return {AsReals(ReadEnum(environment, value, integers)),
+            IsIntegerKind(LookupKind(environment, value))};
+}
+
+ZorWBRealEnum Filter(const ZorWBRealEnum& list, const RealSet& other, double tolerance,
                      bool keepContained) {
     ZorWBRealEnum kept(ZorWBEnumList);
     for (int i = 0; i < list.GetSize(); ++i) {
@@ -61,12 +82,14 @@ ZorWBRealEnum Filter(const ZorWBRealEnum& list, const ZorWBRealEnum& other, doub
     return kept;
 }
 
-ZorWBRealEnum IntersectReals(const ZorWBRealEnum& a, const ZorWBRealEnum& b, double tolerance) {
+ZorWBRealEnum IntersectReals(const RealSet& first, const RealSet& second, double tolerance) {
+    const ZorWBRealEnum& a = first.elements;
+    const ZorWBRealEnum& b = second.elements;
     if (a.IsNil() || b.IsNil()) return ZorWBRealEnum(ZorWBEnumNil);
     if (a.IsAny()) return b;
     if (b.IsAny()) return a;
-    if (a.GetRep() == ZorWBEnumList) return Filter(a, b, tolerance, true);
-    if (b.GetRep() == ZorWBEnumList) return Filter(b, a, tolerance, true);
+    if (a.GetRep() == ZorWBEnumList) return Filter(a, second, tolerance, true);
+    if (b.GetRep() == ZorWBEnumList) return Filter(b, first, tolerance, true);
     ZorWBRealEnum result(ZorWBEnumNil);
     ZorWBRealInterval both =
         ZorWBIntersect(a.GetAsRealInterval(), b.GetAsRealInterval(), tolerance);
@@ -105,9 +128,16 @@ ZorWBRealEnum UniteReals(const ZorWBEnvironment& environment, const ZorWBRealEnu
 
 // ------------------------------------------------------------ differences
 
-// The part of a that b does not cover, closed: a hole inside a keeps a.
+// The part of a that b does not cover, closed: a hole inside a keeps a. When
+// b holds integers only, it removes something from the closure of a only when
+// a is that one integer.
 ZorWBRealInterval RealDifference(const ZorWBRealInterval& a, const ZorWBRealInterval& b,
-                                 double tolerance) {
+                                 double tolerance, bool integersOnly) {
+    if (integersOnly) {
+        bool removed = ZorWBIsExact(a, tolerance) && IsNearInteger(a.low, tolerance) &&
+                       ZorWBContains(b, a, tolerance);
+        return removed ? ZorWBReal_Nil : a;
+    }
     if (b.high < a.low || b.low > a.high) return a;
     bool coversLow = b.low <= a.low + tolerance;
     bool coversHigh = b.high >= a.high - tolerance;
@@ -157,20 +187,22 @@ ZorWBIntegerEnum ExcludeIntegers(const ZorWBEnvironment& environment, const ZorW
 }
 
 ZorWBRealEnum ExcludeReals(const ZorWBEnvironment& environment, const ZorWBRealEnum& a,
-                           const ZorWBRealEnum& b, double tolerance) {
+                           const RealSet& other, double tolerance) {
+    const ZorWBRealEnum& b = other.elements;
     if (a.IsNil() || b.IsNil() || a.IsAny()) return a;
     if (b.IsAny()) return ZorWBRealEnum(ZorWBEnumNil);
     ZorWBRealEnum result(ZorWBEnumInterval);
     ZorWBRealInterval hull = a.GetAsRealInterval();
     if (a.GetRep() == ZorWBEnumList) {
-        result = Filter(a, b, tolerance, false);
+        result = Filter(a, other, tolerance, false);
     } else if (b.GetRep() == ZorWBEnumList) {
         // Removing points from an interval changes its closure only when it
         // is a single point.
-        bool removed = ZorWBIsExact(hull, tolerance) && b.Contains(hull.low, tolerance);
+        bool removed = ZorWBIsExact(hull, tolerance) && other.Contains(hull.low, tolerance);
         result.SetAsRealInterval(removed ? ZorWBReal_Nil : hull);
     } else {
-        result.SetAsRealInterval(RealDifference(hull, b.GetAsRealInterval(), tolerance));
+        result.SetAsRealInterval(
+            RealDifference(hull, b.GetAsRealInterval(), tolerance, other.integers));
     }
     result.Correct(environment);
     return result;
@@ -216,6 +248,13 @@ bool StoreSubset(ZorWBValue& a, const ZorWBValue& subset, bool integers, bool ke
     else if (!consistent)
         a.Set(ZorWBReal_Nil);
     return consistent;
+}
+
+// Enumerations are intersected and removed element by element (a boolean
+// combines with an integer enumeration as with its hull, which may hold
+// more).
+bool HasEnumeration(ZorWBValueType commonType, const ZorWBValue& a, const ZorWBValue& b) {
+    return IsEnumKind(commonType) || IsEnumKind(a.GetType()) || IsEnumKind(b.GetType());
 }
 
 bool IsIntegerOperand(const ZorWBEnvironment& environment, const ZorWBValue& value) {
@@ -281,9 +320,9 @@ bool ZorWBIntersect(const ZorWBEnvironment& environment, ZorWBValue& a, const Zo
         return false;
     }
     bool integers = IsIntegerOperand(environment, x);
-    if (IsEnumKind(kind)) {
-        ZorWBRealEnum both = IntersectReals(AsReals(ReadEnum(environment, x, integers)),
-                                            AsReals(ReadEnum(environment, y, integers)), tolerance);
+    if (HasEnumeration(kind, x, y)) {
+        ZorWBRealEnum both = IntersectReals(ReadRealSet(environment, x, integers),
+                                            ReadRealSet(environment, y, integers), tolerance);
         return StoreSubset(a, FromReals(environment, both, integers), integers, false, tolerance);
     }
     if (integers)
@@ -337,30 +376,56 @@ void ZorWBExclude(const ZorWBEnvironment& environment, ZorWBValue& a, const ZorW
     b.RecordEnv(environment);
     double tolerance = environment.GetTolerance();
     OperandPair operands(environment, a, b);
-    if (operands.CommonType() == ZorWBUndefinedType) {
+    const ZorWBValue& x = operands.First();
+    const ZorWBValue& y = operands.Second();
+    ZorWBValueType kind = operands.CommonType();
+    if (kind == ZorWBUndefinedType) {
         environment.SetError(ZorWBError::IncompatibleKinds);
         return;
     }
-    bool integers = IsIntegerOperand(environment, operands.First());
-    ZorWBValue x = ReadEnum(environment, operands.First(), integers);
-    ZorWBValue y = ReadEnum(environment, operands.Second(), integers);
-    ZorWBValue rest =
-        integers
-            ? ZorWBValue(ExcludeIntegers(environment, x.GetIntegerEnum(), y.GetIntegerEnum()))
-            : ZorWBValue(ExcludeReals(environment, x.GetRealEnum(), y.GetRealEnum(), tolerance));
-    StoreSubset(a, rest, integers, true, tolerance);
+    bool integers = IsIntegerOperand(environment, x);
+    if (!HasEnumeration(kind, x, y)) {
+        if (integers)
+            StoreIntegerSet(a,
+                            IntegerDifference(x.GetAsIntegerInterval(), y.GetAsIntegerInterval()));
+        else
+            StoreRealSet(a,
+                         RealDifference(x.GetAsRealInterval(), y.GetAsRealInterval(), tolerance,
+                                        IsIntegerOperand(environment, y)),
+                         tolerance);
+        return;
+    }
+    ZorWBValue first = ReadEnum(environment, x, integers);
+    if (integers) {
+        ZorWBValue second = ReadEnum(environment, y, true);
+        StoreSubset(a,
+                    ZorWBValue(ExcludeIntegers(environment, first.GetIntegerEnum(),
+                                               second.GetIntegerEnum())),
+                    true, true, tolerance);
+    } else {
+        StoreSubset(a,
+                    ZorWBValue(ExcludeReals(environment, first.GetRealEnum(),
+                                            ReadRealSet(environment, y, false), tolerance)),
+                    false, true, tolerance);
+    }
 }
 
-// Does a contain b: scalars by equality, intervals and enumerations by their
-// hulls. Kinds that cannot be combined answer false (with error 2 below the
-// level ZorWBLevel::QuietIncompatibleTests).
-bool ZorWBContains(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b) {
+// ------------------------------------------------------------ tests
+
+namespace {
+
+// A test of two values in their common kind: scalars by equality (reals
+// within the tolerance), intervals, booleans and enumerations by the test's
+// own forms. Kinds that cannot be combined answer false, with error 2 below
+// the level ZorWBLevel::QuietIncompatibleTests.
+template <class Test>
+bool TestPair(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b,
+              double tolerance, const Test& test) {
     a.RecordEnv(environment);
     b.RecordEnv(environment);
     OperandPair operands(environment, a, b);
     const ZorWBValue& x = operands.First();
     const ZorWBValue& y = operands.Second();
-    double tolerance = environment.GetTolerance();
     switch (operands.CommonType()) {
         case ZorWBIntegerType:
             return x.GetAsInteger() == y.GetAsInteger();
@@ -368,117 +433,140 @@ bool ZorWBContains(const ZorWBEnvironment& environment, const ZorWBValue& a, con
             return std::fabs(x.GetAsReal() - y.GetAsReal()) < tolerance ||
                    x.GetAsReal() == y.GetAsReal();
         case ZorWBIntegerIntervalType:
-        case ZorWBIntegerEnumType:
         case ZorWBBooleanType:
-            return ZorWBContains(x.GetAsIntegerInterval(), y.GetAsIntegerInterval());
+            return test.Integers(x.GetAsIntegerInterval(), y.GetAsIntegerInterval());
         case ZorWBRealIntervalType:
+            return test.Reals(x.GetAsRealInterval(), y.GetAsRealInterval(), tolerance);
+        case ZorWBIntegerEnumType:
+            return test.Enums(environment, x, y, true, tolerance);
         case ZorWBRealEnumType:
-            return ZorWBContains(x.GetAsRealInterval(), y.GetAsRealInterval(), tolerance);
+            return test.Enums(environment, x, y, false, tolerance);
         default:
             ReportIncompatibleTest(environment);
             return false;
     }
 }
 
-// An undefined value (or an unknown kind) is not empty; below the level
-// ZorWBLevel::QuietIncompatibleTests asking sets error 2.
-bool ZorWBIsEmpty(const ZorWBEnvironment& environment, const ZorWBValue& a) {
-    a.RecordEnv(environment);
+// Containment of enumerations is that of their hulls.
+struct ContainsTest {
+    bool Integers(const ZorWBIntegerInterval& a, const ZorWBIntegerInterval& b) const {
+        return ZorWBContains(a, b);
+    }
+    bool Reals(const ZorWBRealInterval& a, const ZorWBRealInterval& b, double tolerance) const {
+        return ZorWBContains(a, b, tolerance);
+    }
+    bool Enums(const ZorWBEnvironment&, const ZorWBValue& a, const ZorWBValue& b, bool integers,
+               double tolerance) const {
+        if (integers) return Integers(a.GetAsIntegerInterval(), b.GetAsIntegerInterval());
+        return Reals(a.GetAsRealInterval(), b.GetAsRealInterval(), tolerance);
+    }
+};
+
+struct EqualTest {
+    bool Integers(const ZorWBIntegerInterval& a, const ZorWBIntegerInterval& b) const {
+        return ZorWBIsEqual(a, b);
+    }
+    bool Reals(const ZorWBRealInterval& a, const ZorWBRealInterval& b, double tolerance) const {
+        return ZorWBIsEqual(a, b, tolerance);
+    }
+    bool Enums(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b,
+               bool integers, double tolerance) const {
+        return EnumsEqual(environment, a, b, integers, tolerance);
+    }
+};
+
+// A test of one value by its form: scalars, integer sets, real sets (hulls
+// of intervals and enumerations), boolean states, and the rest (undefined or
+// unknown kinds).
+template <class Test>
+bool TestValue(const ZorWBValue& a, const Test& test) {
     switch (a.GetType()) {
         case ZorWBIntegerType:
         case ZorWBRealType:
         case ZorWBFractionType:
-            return false;
+            return test.Scalar();
         case ZorWBIntegerIntervalType:
         case ZorWBIntegerEnumType:
-            return ZorWBIsEmpty(a.GetAsIntegerInterval());
+            return test.Integers(a.GetAsIntegerInterval());
         case ZorWBRealIntervalType:
         case ZorWBRealEnumType:
-            return ZorWBIsEmpty(a.GetAsRealInterval(), environment.GetTolerance());
-        case ZorWBBooleanType: {
-            ZorWBBoolean state = a.GetAsBoolean();
-            return state < ZorWBFalse || state > ZorWBUnknown;  // empty, or no state at all
-        }
+            return test.Reals(a.GetAsRealInterval());
+        case ZorWBBooleanType:
+            return test.State(a.GetAsBoolean());
         default:
-            ReportIncompatibleTest(environment);
-            return false;
+            return test.Other(a.GetType());
     }
+}
+
+// An undefined value (or an unknown kind) is not empty; below the level
+// ZorWBLevel::QuietIncompatibleTests asking sets error 2.
+struct EmptyTest {
+    const ZorWBEnvironment& environment;
+    bool Scalar() const { return false; }
+    bool Integers(const ZorWBIntegerInterval& a) const { return ZorWBIsEmpty(a); }
+    bool Reals(const ZorWBRealInterval& a) const {
+        return ZorWBIsEmpty(a, environment.GetTolerance());
+    }
+    bool State(ZorWBBoolean state) const {
+        return state < ZorWBFalse || state > ZorWBUnknown;  // empty, or no state at all
+    }
+    bool Other(ZorWBValueType) const {
+        ReportIncompatibleTest(environment);
+        return false;
+    }
+};
+
+// A single value: scalars always, intervals and enumerations when their hull
+// is one point, booleans when true or false. An undefined value is not.
+struct ExactTest {
+    double tolerance;
+    bool Scalar() const { return true; }
+    bool Integers(const ZorWBIntegerInterval& a) const { return ZorWBIsExact(a); }
+    bool Reals(const ZorWBRealInterval& a) const { return ZorWBIsExact(a, tolerance); }
+    bool State(ZorWBBoolean state) const { return state == ZorWBFalse || state == ZorWBTrue; }
+    bool Other(ZorWBValueType) const { return false; }
+};
+
+// The widest value of its kind: the whole line, any, unknown. An undefined
+// value counts as indefinite, since nothing is known of it.
+struct IndefiniteTest {
+    bool Scalar() const { return false; }
+    bool Integers(const ZorWBIntegerInterval& a) const { return ZorWBIsInfinite(a); }
+    bool Reals(const ZorWBRealInterval& a) const { return ZorWBIsInfinite(a); }
+    bool State(ZorWBBoolean state) const { return state == ZorWBUnknown; }
+    bool Other(ZorWBValueType type) const { return type == ZorWBUndefinedType; }
+};
+
+}  // namespace
+
+// Does a contain b: scalars by equality, intervals and enumerations by their
+// hulls.
+bool ZorWBContains(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b) {
+    return TestPair(environment, a, b, environment.GetTolerance(), ContainsTest());
+}
+
+// Equality of values as sets (see ZorWBEqual for the four-state comparison).
+bool ZorWBIsEqual(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b,
+                  double tolerance) {
+    return TestPair(environment, a, b, environment.ResolveTolerance(tolerance), EqualTest());
+}
+
+bool ZorWBIsEmpty(const ZorWBEnvironment& environment, const ZorWBValue& a) {
+    a.RecordEnv(environment);
+    return TestValue(a, EmptyTest{environment});
 }
 
 bool ZorWBIsConsistent(const ZorWBEnvironment& environment, const ZorWBValue& a) {
     return !ZorWBIsEmpty(environment, a);
 }
 
-// Equality of values as sets (see ZorWBEqual for the four-state comparison).
-bool ZorWBIsEqual(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b,
-                  double tolerance) {
-    a.RecordEnv(environment);
-    b.RecordEnv(environment);
-    tolerance = environment.ResolveTolerance(tolerance);
-    OperandPair operands(environment, a, b);
-    const ZorWBValue& x = operands.First();
-    const ZorWBValue& y = operands.Second();
-    switch (operands.CommonType()) {
-        case ZorWBIntegerType:
-            return x.GetAsInteger() == y.GetAsInteger();
-        case ZorWBRealType:
-            return std::fabs(x.GetAsReal() - y.GetAsReal()) < tolerance ||
-                   x.GetAsReal() == y.GetAsReal();
-        case ZorWBIntegerIntervalType:
-        case ZorWBBooleanType:
-            return ZorWBIsEqual(x.GetAsIntegerInterval(), y.GetAsIntegerInterval());
-        case ZorWBRealIntervalType:
-            return ZorWBIsEqual(x.GetAsRealInterval(), y.GetAsRealInterval(), tolerance);
-        case ZorWBIntegerEnumType:
-            return EnumsEqual(environment, x, y, true, tolerance);
-        case ZorWBRealEnumType:
-            return EnumsEqual(environment, x, y, false, tolerance);
-        default:
-            ReportIncompatibleTest(environment);
-            return false;
-    }
-}
-
-// A single value: scalars always, intervals and enumerations when their hull
-// is one point, booleans when true or false. An undefined value is not.
 bool ZorWBIsExact(const ZorWBEnvironment& environment, const ZorWBValue& a, double tolerance) {
     a.RecordEnv(environment);
-    tolerance = environment.ResolveTolerance(tolerance);
-    switch (a.GetType()) {
-        case ZorWBIntegerType:
-        case ZorWBRealType:
-        case ZorWBFractionType:
-            return true;
-        case ZorWBIntegerIntervalType:
-        case ZorWBIntegerEnumType:
-            return ZorWBIsExact(a.GetAsIntegerInterval());
-        case ZorWBRealIntervalType:
-        case ZorWBRealEnumType:
-            return ZorWBIsExact(a.GetAsRealInterval(), tolerance);
-        case ZorWBBooleanType:
-            return a.GetAsBoolean() == ZorWBFalse || a.GetAsBoolean() == ZorWBTrue;
-        default:
-            return false;
-    }
+    return TestValue(a, ExactTest{environment.ResolveTolerance(tolerance)});
 }
 
-// The widest value of its kind: the whole line, any, unknown. An undefined
-// value counts as indefinite, since nothing is known of it.
 bool ZorWBIsIndefinite(const ZorWBValue& a) {
-    switch (a.GetType()) {
-        case ZorWBUndefinedType:
-            return true;
-        case ZorWBIntegerIntervalType:
-        case ZorWBIntegerEnumType:
-            return ZorWBIsInfinite(a.GetAsIntegerInterval());
-        case ZorWBRealIntervalType:
-        case ZorWBRealEnumType:
-            return ZorWBIsInfinite(a.GetAsRealInterval());
-        case ZorWBBooleanType:
-            return a.GetAsBoolean() == ZorWBUnknown;
-        default:
-            return false;
-    }
+    return TestValue(a, IndefiniteTest());
 }
 
 // ------------------------------------------------------------ value members
