@@ -22,4 +22,17 @@
 #include "values/ZorWBLevel.h"
 #include "values/ZorWBValue.h"
 
+#include "expressions/ZorWBBlackBox.h"
+#include "expressions/ZorWBBlackBoxOperator.h"
+#include "expressions/ZorWBConstant.h"
+#include "expressions/ZorWBEquation.h"
+#include "expressions/ZorWBEquationType.h"
+#include "expressions/ZorWBExpression.h"
+#include "expressions/ZorWBExpressionType.h"
+#include "expressions/ZorWBFactory.h"
+#include "expressions/ZorWBOperator.h"
+#include "expressions/ZorWBVariable.h"
+
+#include "debug/ZorWBDebug.h"
+
 #endif

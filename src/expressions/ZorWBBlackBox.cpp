@@ -2,6 +2,27 @@
 
 #include <limits>
 
+#include "expressions/ZorWBBlackBoxOperator.h"
+
+namespace {
+const ZorWBValue UndefinedArgument;
+}
+
+int ZorWBBlackBox::GetNbOfArguments() const {
+    return _operator ? _operator->GetNbOfChildren() : 0;
+}
+
+const ZorWBValue& ZorWBBlackBox::GetArgumentValue(int i) const {
+    return _operator ? _operator->GetArgumentValue(i) : UndefinedArgument;
+}
+
+double ZorWBBlackBox::GetArgument(int i) const {
+    if (i < 0 || i >= GetNbOfArguments()) return std::numeric_limits<double>::quiet_NaN();
+    const ZorWBValue& value = GetArgumentValue(i);
+    if (value.GetType() == ZorWBUndefinedType) return std::numeric_limits<double>::quiet_NaN();
+    return value.GetAsReal();
+}
+
 double ZorWBBBx::Eval() {
     return std::numeric_limits<double>::quiet_NaN();
 }

@@ -35,6 +35,13 @@ class ZORWBX_API ZorWBBlackBox {
     }
 
     ZorWBBlackBoxOperator* GetOperator() const { return _operator; }
+
+    // The arguments of the running call, as evaluated by the calling node
+    // before it called Eval: their number, their values (undefined outside
+    // the arguments or without a node) and their real readings (NaN there).
+    int GetNbOfArguments() const;
+    const ZorWBValue& GetArgumentValue(int i) const;
+    double GetArgument(int i) const;
     bool IsInternal() const { return _internal; }
     void SetInternal() { _internal = true; }
     void SetExternal() { _internal = false; }
@@ -43,8 +50,10 @@ class ZORWBX_API ZorWBBlackBox {
     friend class ZorWBFactory;
     friend class ZorWBBlackBoxOperator;
     void SetOperator(ZorWBBlackBoxOperator* node) { _operator = node; }
-    void ClearName() {
-        _name = "BBx";
+    void ClearName() { SetDefaultName("BBx"); }
+    // A name given by the library; GetName(isSet) still answers false.
+    void SetDefaultName(const ZorQelString& name) {
+        _name = name;
         _nameSet = false;
     }
 

@@ -1,0 +1,159 @@
+// Evaluation of nodes: the buffered value evaluation behind GetValue and the
+// plain real-number evaluation behind Eval().
+//
+// Both run one explicit stack (kept by the factory, so that evaluating does
+// not allocate once it has grown) instead of recursing: a node is pushed,
+// its children that still need work are pushed above it, and the node is
+// computed once they are all done; its DoEval then reads the children's
+// results where the walk left them. Each walk has a number, written into the
+// nodes it reaches, so a node shared by several parents is computed once per
+// walk even when it is unbuffered, and an accidental cycle cannot loop.
+//
+// The environment's transient domain error is cleared once, when an
+// evaluation starts from outside any other (InitEnvForEval), so that after
+// GetValue the error word tells whether anything below failed.
+
+#include <cmath>
+#include <exception>
+#include <limits>
+#include <new>
+#include <vector>
+
+#include "expressions/ZorWBExpression.h"
+#include "expressions/ZorWBFactory.h"
+#include "expressions/ZorWBGraphWalk.h"
+#include "expressions/ZorWBOperator.h"
+
+namespace {
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+}  // namespace
+
+unsigned int ZorWBFactory::NewWalk() {
+    if (++_walkCounter == 0) {
+        // The numbers wrapped: forget every mark so that none is mistaken
+        // for a new walk.
+        for (ZorWBExpression* node : _expressions)
+            node->_walkMark = 0;
+        for (ZorWBExpression* node : _temporaryExpressions)
+            node->_walkMark = 0;
+        _valueWalk = 0;
+        _realWalk = 0;
+        _walkCounter = 1;
+    }
+    return _walkCounter;
+}
+
+// The condition first, then only the branch it selects.
+int ZorWBExpression::NextIfThenElseChild(const ZorWBExpression* node, int position, bool real) {
+    if (position == 0) return ZorWBGraphWalk::NbOfChildren(node) == 3 ? 0 : -1;
+    if (position > 1) return -1;
+    const ZorWBExpression* condition = ZorWBGraphWalk::Child(node, 0);
+    int branch = real ? ZorWBIfThenElseOperator::ChosenBranch(RealOf(condition))
+                      : ZorWBIfThenElseOperator::ChosenBranch(ValueOf(condition));
+    return branch > 0 ? branch : -1;
+}
+
+template <bool Real>
+void ZorWBExpression::RunEvaluation() const {
+    ZorWBFactory& factory = *_factory;
+    unsigned int& running = Real ? factory._realWalk : factory._valueWalk;
+    unsigned int outer = running;
+    unsigned int walk = factory.NewWalk();
+    running = walk;
+    ++factory._evaluationDepth;
+
+    std::vector<ZorWBFactory::EvalFrame>& stack = factory._evalStack;
+    std::size_t base = stack.size();
+    auto finish = [&factory](const ZorWBExpression* node) {
+        if (Real) {
+            node->_real = node->DoEval();
+        } else {
+            node->FinishValue();
+            ++factory._nbOfEvaluations;
+        }
+    };
+    auto push = [&stack](const ZorWBExpression* node) {
+        try {
+            stack.push_back({node, 0});
+            return true;
+        } catch (const std::bad_alloc&) {
+            return false;  // the node is read as it stands
+        }
+    };
+
+    _walkMark = walk;
+    if (!push(this)) finish(this);
+    while (stack.size() > base) {
+        ZorWBFactory::EvalFrame& frame = stack.back();
+        const ZorWBExpression* node = frame.node;
+        int position = frame.position++;
+        int childIndex = node->_type == ZorWBExpressionType::IfThenElse
+                             ? NextIfThenElseChild(node, position, Real)
+                             : (position < ZorWBGraphWalk::NbOfChildren(node) ? position : -1);
+        if (childIndex < 0) {
+            stack.pop_back();
+            finish(node);
+            continue;
+        }
+        const ZorWBExpression* child = ZorWBGraphWalk::Child(node, childIndex);
+        bool ready = child->_walkMark == walk || (!Real && (child->_flags & BufferValidFlag));
+        if (ready) continue;
+        child->_walkMark = walk;
+        // A leaf has nothing below it to wait for.
+        if (child->IsLeaf() || !push(child)) finish(child);
+    }
+
+    --factory._evaluationDepth;
+    running = outer;
+}
+
+const ZorWBValue& ZorWBExpression::ComputeValue() const {
+    ZorWBFactory& factory = *_factory;
+    factory.SetBufferUsed();
+    if (factory._evaluationDepth == 0) factory.InitEnvForEval();
+    RunEvaluation<false>();
+    return _value;
+}
+
+void ZorWBExpression::FinishValue() const {
+    DoEval(_value);
+    if (_previousValue) *_previousValue = _value;
+    if (AllowsBufferEval()) _flags |= BufferValidFlag;
+}
+
+double ZorWBExpression::Eval() const {
+    if (IsLeaf()) return DoEval();
+    RunEvaluation<true>();
+    return _real;
+}
+
+const ZorWBValue& ZorWBExpression::ValueOf(const ZorWBExpression* node) {
+    unsigned int walk = node->_factory->_valueWalk;
+    if ((node->_flags & BufferValidFlag) || (walk != 0 && node->_walkMark == walk))
+        return node->_value;
+    return node->GetValue();
+}
+
+double ZorWBExpression::RealOf(const ZorWBExpression* node) {
+    unsigned int walk = node->_factory->_realWalk;
+    if (walk != 0 && node->_walkMark == walk) return node->_real;
+    return node->Eval();
+}
+
+void ZorWBExpression::UpdateExprValue(bool recursive) try {
+    std::vector<ZorWBExpression*> nodes;
+    if (recursive) {
+        nodes = ZorWBGraphWalk::Collect(this);
+    } else {
+        nodes.push_back(this);
+    }
+    for (ZorWBExpression* node : nodes) {
+        ZorWBValue value = node->GetValue();
+        node->SetExprValue(value);
+    }
+} catch (const std::exception&) {
+}
+
+double ZorWBExpression::RealReading(const ZorWBValue& value) {
+    return value.GetType() == ZorWBUndefinedType ? NaN : value.GetAsReal();
+}

@@ -1,0 +1,267 @@
+#include "expressions/ZorWBExpression.h"
+
+#include <climits>
+#include <exception>
+#include <new>
+
+#include "expressions/ZorWBFactory.h"
+#include "expressions/ZorWBGraphWalk.h"
+
+// A node's property values; -1 marks a slot never set.
+struct ZorWBNodeProperties {
+    int* values = nullptr;
+    int size = 0;
+    int capacity = 0;
+    ~ZorWBNodeProperties() { delete[] values; }
+    // Grows to size entries; capacity starts at the needed length and doubles.
+    bool Grow(int needed) {
+        if (needed <= size) return true;
+        if (needed > capacity) {
+            int grown = capacity == 0 ? needed : capacity;
+            while (grown < needed)
+                grown = grown > INT_MAX / 2 ? needed : grown * 2;
+            int* moved = new (std::nothrow) int[grown];
+            if (!moved) return false;
+            for (int i = 0; i < size; ++i)
+                moved[i] = values[i];
+            delete[] values;
+            values = moved;
+            capacity = grown;
+        }
+        for (int i = size; i < needed; ++i)
+            values[i] = -1;
+        size = needed;
+        return true;
+    }
+};
+
+namespace {
+const ZorWBValue UndefinedValue;
+}  // namespace
+
+ZorWBExpression::ZorWBExpression(ZorWBFactory* factory, ZorWBExpressionType type, int tag)
+    : _type(type), _factory(factory), _tag(tag) {
+    const ZorWBEnvironment& environment = factory->GetEnvironment();
+    _value.UpdateEnv(environment);
+    if (environment.GetWBLevel() != ZorWBLevel::All) {
+        _previousValue = new (std::nothrow) ZorWBValue();
+        if (_previousValue) _previousValue->UpdateEnv(environment);
+    }
+}
+
+ZorWBExpression::~ZorWBExpression() {
+    // While the factory dies every node goes, so nobody needs to be told.
+    if (!IsFactoryDestroying()) {
+        while (!_parents.IsEmpty()) {
+            ZorWBExpression* parent = _parents.GetLast();
+            if (!parent->RemoveChild(this)) _parents.Remove(parent);
+        }
+    }
+    delete _previousValue;
+    delete _properties;
+}
+
+const ZorWBEnvironment& ZorWBExpression::GetEnvironment() const {
+    return _factory->GetEnvironment();
+}
+
+bool ZorWBExpression::IsFactoryDestroying() const {
+    return _factory->_destroying;
+}
+
+const ZorWBValue& ZorWBExpression::GetPreviousValue() const {
+    return _previousValue ? *_previousValue : UndefinedValue;
+}
+
+// ------------------------------------------------------------ default slots
+
+int ZorWBExpression::GetNbOfChildren() const {
+    return 0;
+}
+const ZorWBExpression* ZorWBExpression::GetChild(int) const {
+    return nullptr;
+}
+ZorWBExpression* ZorWBExpression::GetChild(int) {
+    return nullptr;
+}
+bool ZorWBExpression::AddChild(ZorWBExpression*) {
+    return false;
+}
+bool ZorWBExpression::RemoveChild(ZorWBExpression*) {
+    return false;
+}
+bool ZorWBExpression::RemoveChild(int) {
+    return false;
+}
+bool ZorWBExpression::ReplaceChild(int, ZorWBExpression*) {
+    return false;
+}
+void ZorWBExpression::SetParameter(int, double) {}
+double ZorWBExpression::GetParameter(int) const {
+    return 0.0;
+}
+int ZorWBExpression::GetNbOfParameters() const {
+    return 0;
+}
+const ZorWBValue& ZorWBExpression::GetExprValue() const {
+    return _value;
+}
+void ZorWBExpression::SetExprValue(const ZorWBValue& value) {
+    _value = value;
+}
+void ZorWBExpression::RemoveUniqueChildren() {}
+
+// ------------------------------------------------------------ parents
+
+bool ZorWBExpression::AddParent(ZorWBExpression* child, ZorWBExpression* parent) {
+    if (!child || !parent) return false;
+    if (!child->_parents.Add(parent)) return false;
+    if (!child->AllowsBufferEval()) {
+        // An unbuffered child makes the parent and all its ancestors unbuffered.
+        parent->_flags = NoBufferFlag;
+        for (int i = 0; i < parent->_parents.GetSize(); ++i) {
+            ZorWBExpression* grandparent = parent->_parents.Get(i);
+            if (grandparent->AllowsBufferEval())
+                grandparent->SetAllowBufferEval(false, true, false);
+        }
+    }
+    return true;
+}
+
+bool ZorWBExpression::RemoveParent(ZorWBExpression* child, ZorWBExpression* parent) {
+    if (!child || !parent) return false;
+    if (!child->_parents.Remove(parent)) return false;
+    if (child->AllowsBufferEval() || child->IsFactoryDestroying()) return true;
+    // The parent may have been unbuffered only because of this child.
+    if (!parent->ValidatesWithoutOwnFlag()) return true;
+    parent->_flags = 0;
+    for (int i = 0; i < parent->_parents.GetSize(); ++i) {
+        ZorWBExpression* grandparent = parent->_parents.Get(i);
+        if (!grandparent->AllowsBufferEval()) grandparent->SetAllowBufferEval(true, true, true);
+    }
+    return true;
+}
+
+bool ZorWBExpression::CanBeRemoved(const ZorWBExpression* exceptParent) const {
+    int count = _parents.GetSize();
+    return count == 0 || (count == 1 && _parents.Get(0) == exceptParent);
+}
+
+// ------------------------------------------------------------ buffers
+
+bool ZorWBExpression::ValidateAllowBufferEval() const {
+    return AllowsBufferEval();
+}
+
+// Whether the node could be buffered if its own no-buffer bit were clear: the
+// test applied when buffering is given back (the node's own bit is what is
+// being decided, so it cannot be part of the answer).
+bool ZorWBExpression::ValidatesWithoutOwnFlag() const {
+    unsigned int saved = _flags;
+    _flags = 0;
+    bool valid = ValidateAllowBufferEval();
+    _flags = saved;
+    return valid;
+}
+
+void ZorWBExpression::SetAllowBufferEval(bool allow, bool propagate, bool validate) try {
+    auto apply = [allow, validate](ZorWBExpression* node) {
+        if (!allow) {
+            node->_flags = NoBufferFlag;
+        } else if (!validate || node->ValidatesWithoutOwnFlag()) {
+            node->_flags = 0;
+        }
+    };
+    apply(this);
+    if (!propagate) return;
+    // Forbidding reaches every ancestor once (marked on push). Giving back
+    // travels from each node that became buffered to its unbuffered parents,
+    // so a parent is decided again whenever one of its children changes.
+    std::vector<ZorWBExpression*> stack{this};
+    bool first = true;
+    while (!stack.empty()) {
+        ZorWBExpression* node = stack.back();
+        stack.pop_back();
+        if (!first) {
+            if (allow && node->AllowsBufferEval()) continue;  // decided already
+            if (allow) apply(node);
+        }
+        first = false;
+        if (allow && !node->AllowsBufferEval()) continue;
+        for (int i = 0; i < node->_parents.GetSize(); ++i) {
+            ZorWBExpression* parent = node->_parents.Get(i);
+            if (parent->AllowsBufferEval() == allow) continue;
+            if (!allow) parent->_flags = NoBufferFlag;
+            stack.push_back(parent);
+        }
+    }
+} catch (const std::exception&) {
+}
+
+void ZorWBExpression::ResetBufferComplete() try {
+    if (!AllowsBufferEval()) return;
+    _flags = 0;
+    if (_parents.IsEmpty()) return;
+    // Each ancestor once: an unbuffered one stops the walk, since all its
+    // ancestors are unbuffered too.
+    ZorWBFactory& factory = *_factory;
+    unsigned int walk = factory.NewWalk();
+    std::vector<ZorWBExpression*>& stack = factory._walkStack;
+    std::size_t base = stack.size();
+    stack.push_back(this);
+    while (stack.size() > base) {
+        ZorWBExpression* node = stack.back();
+        stack.pop_back();
+        for (int i = 0; i < node->_parents.GetSize(); ++i) {
+            ZorWBExpression* parent = node->_parents.Get(i);
+            if (parent->_walkMark == walk || !parent->AllowsBufferEval()) continue;
+            parent->_walkMark = walk;
+            parent->_flags = 0;
+            stack.push_back(parent);
+        }
+    }
+} catch (const std::exception&) {
+}
+
+void ZorWBExpression::ResetBuffer(bool complete) {
+    if (complete) {
+        ResetBufferComplete();
+    } else {
+        ResetBufferPartial();
+    }
+}
+
+void ZorWBExpression::ResetBufferDownward() try {
+    // The nodes are gathered first: the leaves' resets travel upward and
+    // would disturb a walk in progress.
+    std::vector<ZorWBExpression*> nodes = ZorWBGraphWalk::Collect(this);
+    for (ZorWBExpression* node : nodes) {
+        if (node->IsLeaf()) {
+            node->ResetBufferComplete();
+        } else {
+            node->ResetBufferPartial();
+        }
+    }
+} catch (const std::exception&) {
+}
+
+// ------------------------------------------------------------ properties
+
+int ZorWBExpression::GetProperty(int i) const {
+    if (_properties && i >= 0 && i < _properties->size && _properties->values[i] != -1)
+        return _properties->values[i];
+    return _factory->GetDefaultPropertyValue(i);
+}
+
+void ZorWBExpression::SetProperty(int i, int value) {
+    if (i < 0 || i == INT_MAX) return;
+    if (!_properties) {
+        if (value == _factory->GetDefaultPropertyValue(i)) return;
+        _properties = new (std::nothrow) ZorWBNodeProperties();
+        if (!_properties) return;
+    }
+    if (!_properties->Grow(i + 1)) return;
+    _properties->values[i] = value;
+    // A property can change how the node evaluates.
+    if (GetEnvironment().CheckLevel(ZorWBLevel::ResetBufferUpward)) ResetBufferComplete();
+}

@@ -1,0 +1,91 @@
+#ifndef ZORWB_GRAPHWALK_H
+#define ZORWB_GRAPHWALK_H
+
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "expressions/ZorWBExpression.h"
+#include "expressions/ZorWBFactory.h"
+#include "expressions/ZorWBOperator.h"
+
+// Walks over the subgraph below a node without recursion, so that graphs of
+// any depth are handled on a small call stack. Used inside the library.
+class ZorWBGraphWalk {
+  public:
+    static int NbOfChildren(const ZorWBExpression* node) {
+        return node->IsLeaf() ? 0 : static_cast<const ZorWBOperator*>(node)->_nbOfChildren;
+    }
+    static ZorWBExpression* Child(const ZorWBExpression* node, int i) {
+        return static_cast<const ZorWBOperator*>(node)->_children[i];
+    }
+
+    // Calls visit(node) once for each node of the subgraph, root included,
+    // parents before children and children in order; a visit returning
+    // false stops the walk. Nodes are marked with the factory's walk number,
+    // so visit must not start another marked walk (evaluation, reset).
+    template <class Visit>
+    static void PreOrder(const ZorWBExpression* root, Visit&& visit) {
+        if (!root) return;
+        unsigned int walk = root->_factory->NewWalk();
+        std::vector<const ZorWBExpression*> stack{root};
+        root->_walkMark = walk;
+        while (!stack.empty()) {
+            const ZorWBExpression* node = stack.back();
+            stack.pop_back();
+            if (!visit(node)) return;
+            for (int i = NbOfChildren(node) - 1; i >= 0; --i) {
+                const ZorWBExpression* child = Child(node, i);
+                if (child->_walkMark == walk) continue;
+                child->_walkMark = walk;
+                stack.push_back(child);
+            }
+        }
+    }
+
+    // The nodes of the subgraph in the order of PreOrder.
+    static std::vector<ZorWBExpression*> Collect(const ZorWBExpression* root) {
+        std::vector<ZorWBExpression*> nodes;
+        PreOrder(root, [&nodes](const ZorWBExpression* node) {
+            nodes.push_back(const_cast<ZorWBExpression*>(node));
+            return true;
+        });
+        return nodes;
+    }
+
+    // Computes compute(node) for every node of the subgraph, children first,
+    // each node once, and returns the root's result. results maps every node
+    // reached to its result, so compute reads its children's results there.
+    // Unlike PreOrder this walk marks nothing: compute may evaluate, create
+    // nodes or walk again.
+    template <class Result, class Compute>
+    static Result PostOrder(const ZorWBExpression* root,
+                            std::unordered_map<const ZorWBExpression*, Result>& results,
+                            Compute&& compute) {
+        if (!root) return Result();
+        struct Frame {
+            const ZorWBExpression* node;
+            int next;
+        };
+        auto found = results.find(root);
+        if (found != results.end()) return found->second;
+        std::vector<Frame> stack{{root, 0}};
+        results.emplace(root, Result());
+        while (!stack.empty()) {
+            Frame& frame = stack.back();
+            if (frame.next < NbOfChildren(frame.node)) {
+                const ZorWBExpression* child = Child(frame.node, frame.next++);
+                // Nodes already reached (done, or on the stack) are skipped.
+                if (results.emplace(child, Result()).second) stack.push_back({child, 0});
+                continue;
+            }
+            const ZorWBExpression* node = frame.node;
+            stack.pop_back();
+            Result result = compute(node);
+            results[node] = result;
+        }
+        return results[root];
+    }
+};
+
+#endif

@@ -1,0 +1,281 @@
+// How each operator family evaluates: one row per type, pairing the value
+// function of the type with its real-number counterpart, so that adding a
+// type to a family is adding a row.
+
+#include <cmath>
+#include <limits>
+
+#include "expressions/ZorWBOperator.h"
+#include "values/ZorWBValueFunctions.h"
+
+namespace {
+
+using Type = ZorWBExpressionType;
+using UnaryValueFunction = ZorWBValue (*)(const ZorWBEnvironment&, const ZorWBValue&);
+using BinaryValueFunction = ZorWBValue (*)(const ZorWBEnvironment&, const ZorWBValue&,
+                                           const ZorWBValue&);
+using UnaryRealFunction = double (*)(double);
+using BinaryRealFunction = double (*)(double, double);
+// Comparisons read the environment's tolerance.
+using LogicalRealFunction = double (*)(double, double, double tolerance);
+
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+
+struct UnaryKind {
+    UnaryValueFunction value;
+    UnaryRealFunction real;
+};
+struct BinaryKind {
+    BinaryValueFunction value;
+    BinaryRealFunction real;
+};
+struct LogicalKind {
+    BinaryValueFunction value;
+    LogicalRealFunction real;
+};
+
+// The real n-th root: odd roots of negative numbers are negative.
+double RealRoot(double x, double degree) {
+    double odd = std::fmod(degree, 2.0);
+    if (x < 0.0 && (odd == 1.0 || odd == -1.0)) return -std::pow(-x, 1.0 / degree);
+    return std::pow(x, 1.0 / degree);
+}
+
+// The remainder with the sign of the divisor.
+double FlooredModulo(double a, double b) {
+    double remainder = std::fmod(a, b);
+    if (remainder != 0.0 && (remainder < 0.0) != (b < 0.0)) remainder += b;
+    return remainder;
+}
+
+double Truth(bool b) {
+    return b ? 1.0 : 0.0;
+}
+
+UnaryKind UnaryKindOf(Type type) {
+    using E = const ZorWBEnvironment&;
+    using V = const ZorWBValue&;
+    switch (type) {
+        // clang-format off
+        case Type::Sqrt:       return {ZorWBSqrt, [](double x) { return std::sqrt(x); }};
+        case Type::Log:        return {ZorWBLog, [](double x) { return std::log10(x); }};
+        case Type::Ln:         return {ZorWBLn, [](double x) { return std::log(x); }};
+        case Type::Exp:        return {ZorWBExp, [](double x) { return std::exp(x); }};
+        case Type::Abs:        return {ZorWBAbs, [](double x) { return std::fabs(x); }};
+        case Type::Ceil:       return {ZorWBCeil, [](double x) { return std::ceil(x); }};
+        case Type::Floor:      return {ZorWBFloor, [](double x) { return std::floor(x); }};
+        case Type::Round:      return {[](E e, V a) { return ZorWBRound(e, a); },
+                                       [](double x) { return std::round(x); }};
+        case Type::Trunc:      return {ZorWBTrunc, [](double x) { return std::trunc(x); }};
+        case Type::UnaryMinus: return {ZorWBUnaryMinus, [](double x) { return -x; }};
+        case Type::Sin:        return {ZorWBSin, [](double x) { return std::sin(x); }};
+        case Type::Cos:        return {ZorWBCos, [](double x) { return std::cos(x); }};
+        case Type::Tan:        return {ZorWBTan, [](double x) { return std::tan(x); }};
+        case Type::Asin:       return {[](E e, V a) { return ZorWBAsin(e, a); },
+                                       [](double x) { return std::asin(x); }};
+        case Type::Acos:       return {[](E e, V a) { return ZorWBAcos(e, a); },
+                                       [](double x) { return std::acos(x); }};
+        case Type::Atan:       return {[](E e, V a) { return ZorWBAtan(e, a); },
+                                       [](double x) { return std::atan(x); }};
+        case Type::Sinh:       return {ZorWBSinh, [](double x) { return std::sinh(x); }};
+        case Type::Cosh:       return {ZorWBCosh, [](double x) { return std::cosh(x); }};
+        case Type::Tanh:       return {ZorWBTanh, [](double x) { return std::tanh(x); }};
+        case Type::Asinh:      return {ZorWBAsinh, [](double x) { return std::asinh(x); }};
+        case Type::Acosh:      return {ZorWBAcosh, [](double x) { return std::acosh(x); }};
+        case Type::Atanh:      return {ZorWBAtanh, [](double x) { return std::atanh(x); }};
+        // clang-format on
+        default:
+            return {nullptr, nullptr};
+    }
+}
+
+BinaryKind BinaryKindOf(Type type) {
+    using E = const ZorWBEnvironment&;
+    using V = const ZorWBValue&;
+    switch (type) {
+        // clang-format off
+        case Type::Sum:      return {ZorWBSum, [](double a, double b) { return a + b; }};
+        case Type::Product:  return {ZorWBMul, [](double a, double b) { return a * b; }};
+        case Type::Min:      return {ZorWBMin, [](double a, double b) { return std::fmin(a, b); }};
+        case Type::Max:      return {ZorWBMax, [](double a, double b) { return std::fmax(a, b); }};
+        case Type::Quotient: return {ZorWBDiv, [](double a, double b) { return a / b; }};
+        case Type::Power:    return {ZorWBPow, [](double a, double b) { return std::pow(a, b); }};
+        case Type::Root:     return {[](E e, V a, V b) { return ZorWBRoot(e, a, b); }, RealRoot};
+        case Type::Atan2:    return {[](E e, V y, V x) { return ZorWBAtan2(e, y, x); },
+                                     [](double y, double x) { return std::atan2(y, x); }};
+        case Type::Dim:      return {ZorWBDim, [](double a, double b) { return std::fdim(a, b); }};
+        case Type::Sign:     return {ZorWBSign, [](double a, double b) {
+                                         return b >= 0.0 ? std::fabs(a) : -std::fabs(a); }};
+        case Type::Mod:      return {ZorWBMod, FlooredModulo};
+        // clang-format on
+        default:
+            return {nullptr, nullptr};
+    }
+}
+
+LogicalKind LogicalKindOf(Type type) {
+    using E = const ZorWBEnvironment&;
+    using V = const ZorWBValue&;
+    switch (type) {
+        // clang-format off
+        case Type::Or:          return {[](E, V a, V b) { return ZorWBOr(a, b); },
+                                        [](double a, double b, double) { return Truth(a != 0.0 || b != 0.0); }};
+        case Type::And:         return {[](E, V a, V b) { return ZorWBAnd(a, b); },
+                                        [](double a, double b, double) { return Truth(a != 0.0 && b != 0.0); }};
+        case Type::Implication: return {[](E, V a, V b) { return ZorWBImplication(a, b); },
+                                        [](double a, double b, double) { return Truth(a == 0.0 || b != 0.0); }};
+        case Type::Equal:       return {ZorWBEqual, [](double a, double b, double tolerance) {
+                                            return Truth(std::fabs(a - b) < tolerance || a == b); }};
+        case Type::NotEqual:    return {ZorWBNotEqual, [](double a, double b, double tolerance) {
+                                            return Truth(!(std::fabs(a - b) < tolerance || a == b)); }};
+        case Type::LessEqual:   return {ZorWBLessEqual, [](double a, double b, double tolerance) {
+                                            return Truth(a - b < tolerance || a <= b); }};
+        // clang-format on
+        default:
+            return {nullptr, nullptr};
+    }
+}
+
+}  // namespace
+
+// ------------------------------------------------------------ Not
+
+void ZorWBNotOperator::DoEval(ZorWBValue& value) const {
+    value = HasChildren(1) ? ZorWBNot(ChildValue(0)) : ZorWBValue();
+}
+
+double ZorWBNotOperator::DoEval() const {
+    if (!HasChildren(1)) return NaN;
+    double a = ChildReal(0);
+    return std::isnan(a) ? NaN : Truth(a == 0.0);
+}
+
+// ------------------------------------------------------------ Boolean
+
+void ZorWBBooleanOperator::DoEval(ZorWBValue& value) const {
+    LogicalKind kind = LogicalKindOf(GetType());
+    if (!kind.value || !HasChildren(2)) {
+        value = ZorWBValue();
+        return;
+    }
+    value = kind.value(GetEnvironment(), ChildValue(0), ChildValue(1));
+}
+
+double ZorWBBooleanOperator::DoEval() const {
+    LogicalKind kind = LogicalKindOf(GetType());
+    if (!kind.real || !HasChildren(2)) return NaN;
+    double a = ChildReal(0);
+    double b = ChildReal(1);
+    if (std::isnan(a) || std::isnan(b)) return NaN;
+    return kind.real(a, b, GetEnvironment().GetTolerance());
+}
+
+// ------------------------------------------------------------ Sum, Product, Min, Max
+
+void ZorWBAlgebraicOperator::DoEval(ZorWBValue& value) const {
+    BinaryKind kind = BinaryKindOf(GetType());
+    if (!kind.value || !HasChildren(1)) {
+        value = ZorWBValue();
+        return;
+    }
+    const ZorWBEnvironment& environment = GetEnvironment();
+    value = ChildValue(0);
+    for (int i = 1; i < GetNbOfChildren(); ++i)
+        value = kind.value(environment, value, ChildValue(i));
+}
+
+double ZorWBAlgebraicOperator::DoEval() const {
+    BinaryKind kind = BinaryKindOf(GetType());
+    if (!kind.real || !HasChildren(1)) return NaN;
+    double result = ChildReal(0);
+    for (int i = 1; i < GetNbOfChildren(); ++i)
+        result = kind.real(result, ChildReal(i));
+    return result;
+}
+
+// ------------------------------------------------------------ binary
+
+void ZorWBBinaryOperator::DoEval(ZorWBValue& value) const {
+    BinaryKind kind = BinaryKindOf(GetType());
+    if (!kind.value || !HasChildren(2)) {
+        value = ZorWBValue();
+        return;
+    }
+    value = kind.value(GetEnvironment(), ChildValue(0), ChildValue(1));
+}
+
+double ZorWBBinaryOperator::DoEval() const {
+    BinaryKind kind = BinaryKindOf(GetType());
+    if (!kind.real || !HasChildren(2)) return NaN;
+    return kind.real(ChildReal(0), ChildReal(1));
+}
+
+// ------------------------------------------------------------ unary and trigonometric
+
+void ZorWBUnaryOperator::DoEval(ZorWBValue& value) const {
+    if (!HasChildren(1)) {
+        value = ZorWBValue();
+    } else if (GetType() == Type::Step) {
+        value = ZorWBStep(GetEnvironment(), ChildValue(0), _parameters);
+    } else {
+        UnaryKind kind = UnaryKindOf(GetType());
+        value = kind.value ? kind.value(GetEnvironment(), ChildValue(0)) : ZorWBValue();
+    }
+}
+
+// The step's shape belongs to its value function, so its real form goes
+// through it too.
+double ZorWBUnaryOperator::DoEval() const {
+    if (!HasChildren(1)) return NaN;
+    double x = ChildReal(0);
+    if (GetType() == Type::Step) return RealReading(ZorWBStep(GetEnvironment(), x, _parameters));
+    UnaryKind kind = UnaryKindOf(GetType());
+    return kind.real ? kind.real(x) : NaN;
+}
+
+void ZorWBTrigonometricOperator::DoEval(ZorWBValue& value) const {
+    UnaryKind kind = UnaryKindOf(GetType());
+    value =
+        kind.value && HasChildren(1) ? kind.value(GetEnvironment(), ChildValue(0)) : ZorWBValue();
+}
+
+double ZorWBTrigonometricOperator::DoEval() const {
+    UnaryKind kind = UnaryKindOf(GetType());
+    return kind.real && HasChildren(1) ? kind.real(ChildReal(0)) : NaN;
+}
+
+// ------------------------------------------------------------ Round with three children
+
+void ZorWBRound3Operator::DoEval(ZorWBValue& value) const {
+    if (!HasChildren(3)) {
+        value = ZorWBValue();
+        return;
+    }
+    value = ZorWBRound(GetEnvironment(), ChildValue(0), ChildValue(1), ChildValue(2));
+}
+
+double ZorWBRound3Operator::DoEval() const {
+    if (!HasChildren(3)) return NaN;
+    return RealReading(ZorWBRound(GetEnvironment(), ChildReal(0), ChildReal(1), ChildReal(2)));
+}
+
+// ------------------------------------------------------------ IfThenElse
+
+void ZorWBIfThenElseOperator::DoEval(ZorWBValue& value) const {
+    if (!HasChildren(3)) {
+        value = ZorWBValue();
+        return;
+    }
+    int branch = ChosenBranch(ChildValue(0));
+    if (branch == IndefiniteBranch) {
+        value = ZorWBValue();
+    } else if (branch != KeepBranch) {
+        value = ChildValue(branch);
+    }
+}
+
+double ZorWBIfThenElseOperator::DoEval() const {
+    if (!HasChildren(3)) return NaN;
+    int branch = ChosenBranch(ChildReal(0));
+    return branch > 0 ? ChildReal(branch) : NaN;
+}

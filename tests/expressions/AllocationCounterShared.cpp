@@ -1,0 +1,2 @@
+// The allocation counter of the value tests, linked into this program too.
+#include "values/AllocationCounter.cpp"

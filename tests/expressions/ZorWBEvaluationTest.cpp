@@ -1,0 +1,541 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <set>
+#include <vector>
+
+#include "ExpressionTestSupport.h"
+#include "expressions/ZorWBEquation.h"
+#include "values/AllocationCounter.h"
+
+using Type = ZorWBExpressionType;
+
+namespace {
+
+// Every ancestor of node, node included.
+std::set<const ZorWBExpression*> AncestorsOf(const ZorWBExpression* node) {
+    std::set<const ZorWBExpression*> found{node};
+    std::vector<const ZorWBExpression*> stack{node};
+    while (!stack.empty()) {
+        const ZorWBExpression* current = stack.back();
+        stack.pop_back();
+        for (int i = 0; i < current->GetNbOfParents(); ++i) {
+            if (found.insert(current->GetParent(i)).second) stack.push_back(current->GetParent(i));
+        }
+    }
+    return found;
+}
+
+void EvaluateAll(const std::vector<ZorWBExpression*>& nodes) {
+    for (ZorWBExpression* node : nodes)
+        node->GetValue();
+}
+
+}  // namespace
+
+TEST(ZorWBEvaluation, BuffersAnswerUntilAVariableChanges) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    ZorWBVariable* y = f.CreateVariable();
+    ZorWBVariable* z = f.CreateVariable();
+    SetReal(x, 1.0);
+    SetReal(y, 2.0);
+    SetReal(z, 3.0);
+    ZorWBExpression* sum = f.CreateSum(x, y);
+    ZorWBExpression* product = f.CreateProduct(y, z);
+    EXPECT_FALSE(f.IsBufferUsed());
+
+    EXPECT_DOUBLE_EQ(RealValue(sum), 3.0);
+    EXPECT_EQ(f.GetNbOfEvaluations(), 3);  // x, y and the sum
+    EXPECT_TRUE(f.IsBufferUsed());
+    EXPECT_TRUE(sum->IsBufferValid());
+    f.ResetNbOfEvaluations();
+    EXPECT_DOUBLE_EQ(RealValue(sum), 3.0);
+    EXPECT_EQ(f.GetNbOfEvaluations(), 0);
+
+    EXPECT_DOUBLE_EQ(RealValue(product), 6.0);
+    EXPECT_EQ(f.GetNbOfEvaluations(), 2);  // z and the product; y was valid
+    f.ResetNbOfEvaluations();
+
+    SetReal(x, 10.0);
+    EXPECT_FALSE(sum->IsBufferValid());
+    EXPECT_TRUE(product->IsBufferValid());
+    EXPECT_DOUBLE_EQ(RealValue(sum), 12.0);
+    EXPECT_DOUBLE_EQ(RealValue(product), 6.0);
+    EXPECT_EQ(f.GetNbOfEvaluations(), 2);  // x and the sum
+
+    // The factory-wide reset invalidates everything and clears the flag.
+    f.ResetBuffer(nullptr);
+    EXPECT_FALSE(f.IsBufferUsed());
+    EXPECT_FALSE(product->IsBufferValid());
+    EXPECT_FALSE(y->IsBufferValid());
+    f.ResetBuffer(sum);
+    EXPECT_FALSE(f.IsBufferUsed());
+    EXPECT_DOUBLE_EQ(RealValue(sum), 12.0);
+    EXPECT_TRUE(f.IsBufferUsed());
+
+    // Eval(value) copies the value.
+    ZorWBValue out;
+    sum->Eval(out);
+    EXPECT_DOUBLE_EQ(out.GetAsReal(), 12.0);
+}
+
+TEST(ZorWBEvaluation, TemporaryNodesStayCorrectAcrossFactoryResets) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    SetReal(x, 1.0);
+    f.UseTemporaryStorage(true);
+    ZorWBExpression* temporary = f.CreateSum(x, f.GetOne());
+    EXPECT_DOUBLE_EQ(RealValue(temporary), 2.0);
+    f.ResetBuffer(nullptr);
+    EXPECT_TRUE(temporary->IsBufferValid());  // not reached by the factory-wide reset
+    SetReal(x, 5.0);
+    EXPECT_DOUBLE_EQ(RealValue(temporary), 6.0);
+    f.UseTemporaryStorage(false);
+}
+
+TEST(ZorWBEvaluation, OneVariableChangeRecomputesExactlyTheNodesAboveIt) {
+    ZorWBFactory f(ZorWBLevel::All);
+    RandomGraph graph(f, 1234, 30);
+    while (f.GetNbOfExpressions() < 1000)
+        graph.AddNode();
+    std::vector<ZorWBExpression*> nodes(f.GetExpressions().begin(), f.GetExpressions().end());
+    ASSERT_GE(nodes.size(), 1000u);
+    EvaluateAll(nodes);
+    f.ResetNbOfEvaluations();
+    EvaluateAll(nodes);
+    EXPECT_EQ(f.GetNbOfEvaluations(), 0);
+
+    for (int round = 0; round < 20; ++round) {
+        ZorWBVariable* x = graph.AnyVariable();
+        SetReal(x, graph.Uniform());
+        f.ResetNbOfEvaluations();
+        EvaluateAll(nodes);
+        EXPECT_EQ(f.GetNbOfEvaluations(), static_cast<long long>(AncestorsOf(x).size()));
+    }
+}
+
+TEST(ZorWBEvaluation, UnbufferedNodesSpreadToAncestorsAndGiveBufferingBack) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* a = f.CreateVariable();
+    ZorWBVariable* b = f.CreateVariable();
+    SetReal(a, 1.0);
+    SetReal(b, 2.0);
+    ZorWBExpression* left = f.CreateSin(a);
+    ZorWBExpression* right = f.CreateCos(b);
+    ZorWBExpression* top = f.CreateSum(left, right);
+    ZorWBExpression* root = f.CreateExp(top);
+    ZorWBExpression* aside = f.CreateAbs(b);
+
+    a->SetAllowBufferEval(false, true, false);
+    b->SetAllowBufferEval(false, true, false);
+    for (ZorWBExpression* e : {static_cast<ZorWBExpression*>(a), left, top, root, right, aside})
+        EXPECT_FALSE(e->AllowsBufferEval());
+
+    // Unbuffered nodes are recomputed at every call, each once per call.
+    root->GetValue();
+    f.ResetNbOfEvaluations();
+    root->GetValue();
+    EXPECT_EQ(f.GetNbOfEvaluations(), 6);
+    EXPECT_FALSE(root->IsBufferValid());
+
+    // Back for a: only left, since top still has the unbuffered right.
+    a->SetAllowBufferEval(true, true, true);
+    EXPECT_TRUE(a->AllowsBufferEval());
+    EXPECT_TRUE(left->AllowsBufferEval());
+    EXPECT_FALSE(top->AllowsBufferEval());
+    EXPECT_FALSE(root->AllowsBufferEval());
+    b->SetAllowBufferEval(true, true, true);
+    for (ZorWBExpression* e : {static_cast<ZorWBExpression*>(b), right, top, root, aside})
+        EXPECT_TRUE(e->AllowsBufferEval());
+
+    // Without propagation only the node changes; without validation the
+    // node takes buffering back whatever its children.
+    top->SetAllowBufferEval(false, false, false);
+    EXPECT_FALSE(top->AllowsBufferEval());
+    EXPECT_TRUE(root->AllowsBufferEval());
+    a->SetAllowBufferEval(false, false, false);
+    left->SetAllowBufferEval(false, false, false);
+    left->SetAllowBufferEval(true, false, true);
+    EXPECT_FALSE(left->AllowsBufferEval());
+    left->SetAllowBufferEval(true, false, false);
+    EXPECT_TRUE(left->AllowsBufferEval());
+
+    // A new parent of an unbuffered child is unbuffered, with its ancestors.
+    ZorWBExpression* late = f.CreateSum(root, f.GetOne());
+    ZorWBVariable* c = f.CreateVariable();
+    c->SetAllowBufferEval(false, false, false);
+    EXPECT_TRUE(root->ReplaceChild(0, f.CreateProduct(c, c)));
+    EXPECT_FALSE(root->AllowsBufferEval());
+    EXPECT_FALSE(late->AllowsBufferEval());
+    // Removing that child again gives buffering back where nothing else forbids it.
+    EXPECT_TRUE(root->ReplaceChild(0, f.CreateProduct(b, b)));
+    EXPECT_TRUE(root->AllowsBufferEval());
+    EXPECT_TRUE(late->AllowsBufferEval());
+}
+
+TEST(ZorWBEvaluation, SharedUnbufferedNodesRunOncePerEvaluation) {
+    CountingBlackBox bb;
+    ZorWBFactory f(ZorWBLevel::All);
+    bb.offset = 1.0;
+    ZorWBExpression* call = f.DeclareBlackBox(&bb, 0, nullptr, false);
+    // A tower of squares: as a tree it would hold 2^40 calls.
+    ZorWBExpression* tower = call;
+    for (int i = 0; i < 40; ++i)
+        tower = f.CreateProduct(tower, tower);
+    ZorWBExpression* root = f.CreateSum(tower, f.CreateSin(call));
+    EXPECT_DOUBLE_EQ(RealValue(root), 1.0 + std::sin(1.0));
+    EXPECT_EQ(bb.calls, 1);
+    f.ResetNbOfEvaluations();
+    RealValue(root);
+    EXPECT_EQ(bb.calls, 2);
+    EXPECT_EQ(f.GetNbOfEvaluations(), 43);  // the call, 40 squares, Sin and Sum
+    EXPECT_DOUBLE_EQ(root->Eval(), 1.0 + std::sin(1.0));
+    EXPECT_EQ(bb.calls, 3);
+}
+
+TEST(ZorWBEvaluation, BufferingComesBackThroughDiamonds) {
+    // Two unbuffered sources under a diamond: buffering returns to the top
+    // only once both are given back, in either order.
+    for (bool sourceAFirst : {true, false}) {
+        ZorWBFactory f(ZorWBLevel::All);
+        ZorWBVariable* a = f.CreateVariable();
+        ZorWBVariable* b = f.CreateVariable();
+        ZorWBExpression* p = f.CreateSum(a, b);
+        ZorWBExpression* q = f.CreateProduct(a, b);
+        ZorWBExpression* top = f.CreateMax(p, q);
+        a->SetAllowBufferEval(false, true, false);
+        b->SetAllowBufferEval(false, true, false);
+        ZorWBVariable* first = sourceAFirst ? a : b;
+        ZorWBVariable* second = sourceAFirst ? b : a;
+        first->SetAllowBufferEval(true, true, true);
+        EXPECT_FALSE(top->AllowsBufferEval());
+        second->SetAllowBufferEval(true, true, true);
+        EXPECT_TRUE(p->AllowsBufferEval());
+        EXPECT_TRUE(q->AllowsBufferEval());
+        EXPECT_TRUE(top->AllowsBufferEval());
+    }
+}
+
+TEST(ZorWBEvaluation, IfThenElseEvaluatesOnlyTheChosenBranch) {
+    CountingBlackBox thenBox;
+    CountingBlackBox elseBox;
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    ZorWBVariable* y = f.CreateVariable();
+    thenBox.offset = 10.0;
+    elseBox.offset = 20.0;
+    ZorWBExpression* thenPart = f.DeclareBlackBox(&thenBox, 0, nullptr, false);
+    ZorWBExpression* elsePart = f.DeclareBlackBox(&elseBox, 0, nullptr, false);
+    ZorWBExpression* choice = f.CreateIfThenElse(f.CreateLessEqual(x, y), thenPart, elsePart);
+
+    SetReal(x, 1.0);
+    SetReal(y, 2.0);
+    EXPECT_DOUBLE_EQ(RealValue(choice), 10.0);
+    EXPECT_EQ(thenBox.calls, 1);
+    EXPECT_EQ(elseBox.calls, 0);
+    SetReal(x, 3.0);
+    EXPECT_DOUBLE_EQ(RealValue(choice), 20.0);
+    EXPECT_EQ(thenBox.calls, 1);
+    EXPECT_EQ(elseBox.calls, 1);
+
+    // An undetermined condition: indefinite, and neither branch runs.
+    x->SetExprValue(ZorWBValue(ZorWBRealInterval{1.0, 3.0}));
+    EXPECT_EQ(choice->GetValue().GetType(), ZorWBUndefinedType);
+    EXPECT_EQ(thenBox.calls + elseBox.calls, 2);
+    // A condition that is not a boolean: indefinite too.
+    ZorWBExpression* numeric = f.CreateIfThenElse(y, thenPart, elsePart);
+    EXPECT_EQ(numeric->GetValue().GetType(), ZorWBUndefinedType);
+    EXPECT_EQ(thenBox.calls + elseBox.calls, 2);
+
+    // The real evaluation follows the condition's truth.
+    SetReal(x, 1.0);
+    EXPECT_DOUBLE_EQ(choice->Eval(), 10.0);
+    EXPECT_DOUBLE_EQ(numeric->Eval(), 10.0);  // 2.0 is true
+    SetReal(y, 0.0);
+    EXPECT_DOUBLE_EQ(numeric->Eval(), 20.0);
+    EXPECT_EQ(elseBox.calls, 2);
+}
+
+TEST(ZorWBEvaluation, PartialEvalCopiesOnlyWhatChanges) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    ZorWBVariable* y = f.CreateVariable();
+    ZorWBVariable* z = f.CreateVariable();
+    ZorWBExpression* two = f.GetTwo();
+    ZorWBExpression* sum = f.CreateSum(x, y);
+    ZorWBExpression* result = sum->PartialEval(x, two);
+    ASSERT_NE(result, sum);
+    EXPECT_EQ(result->GetType(), Type::Sum);
+    EXPECT_EQ(result->GetChild(0), two);
+    EXPECT_EQ(result->GetChild(1), y);
+    ZorWBExpression* other = f.CreateSum(y, z);
+    EXPECT_EQ(other->PartialEval(x, two), other);
+    EXPECT_EQ(x->PartialEval(x, two), two);
+    EXPECT_EQ(y->PartialEval(x, two), y);
+    EXPECT_EQ(two->PartialEval(x, y), two);
+    EXPECT_EQ(sum->PartialEval(nullptr, nullptr, 0), sum);
+    EXPECT_EQ(sum->PartialEval(nullptr, nullptr, 1), nullptr);
+    EXPECT_EQ(sum->PartialEval(x, nullptr), nullptr);
+
+    // Several substitutions at once; the first listed pair wins.
+    ZorWBVariable* vars[] = {y, x, y};
+    ZorWBExpression* exprs[] = {z, f.GetThree(), x};
+    ZorWBExpression* both = sum->Evaluate(3, vars, exprs);
+    EXPECT_EQ(both->GetChild(0), f.GetThree());
+    EXPECT_EQ(both->GetChild(1), z);
+
+    // Shared nodes stay shared, Steps keep their parameters.
+    ZorWBExpression* step = f.CreateStep(x, 0.0, 1.0, 0.0, 1.0);
+    ZorWBExpression* square = f.CreateProduct(step, step);
+    ZorWBExpression* copied = square->PartialEval(x, y);
+    EXPECT_EQ(copied->GetChild(0), copied->GetChild(1));
+    EXPECT_EQ(copied->GetChild(0)->GetParameter(1), 1.0);
+    EXPECT_EQ(copied->GetChild(0)->GetChild(0), y);
+}
+
+TEST(ZorWBEvaluation, OlderPartialEvalWorksOnADuplicate) {
+    for (unsigned int level : {Below(ZorWBLevel::NewPartialEval), ZorWBLevel::NewPartialEval}) {
+        bool newer = level >= ZorWBLevel::NewPartialEval;
+        ZorWBFactory f(level);
+        ZorWBVariable* x = f.CreateVariable();
+        ZorWBVariable* y = f.CreateVariable();
+        ZorWBExpression* sum = f.CreateSum(f.CreateSin(x), y);
+        ZorWBExpression* unrelated = f.CreateCos(y);
+        int nodes = f.GetNbOfExpressions();
+
+        ZorWBExpression* same = unrelated->PartialEval(x, f.GetTwo());
+        EXPECT_EQ(same == unrelated, newer);
+        EXPECT_TRUE(same->IsEqualTo(unrelated));
+        EXPECT_EQ(f.GetNbOfEquations(), 0);
+
+        ZorWBExpression* result = sum->PartialEval(x, f.GetTwo());
+        EXPECT_EQ(result->GetChild(0)->GetChild(0), f.GetTwo());
+        EXPECT_EQ(result->GetChild(1), y);
+        SetReal(y, 0.5);
+        EXPECT_DOUBLE_EQ(RealValue(result), std::sin(2.0) + 0.5);
+        // The older evaluator used equation ids 0 and 1 and left only its result.
+        ZorWBEquation* next = f.AddEquation(x, ZorWBEqualZero);
+        EXPECT_EQ(next->GetId(), newer ? 0 : 2);
+        int made = newer ? 3 : 4;  // Two, Sin, Sum (+ the Cos copy)
+        EXPECT_EQ(f.GetNbOfExpressions(), nodes + made);
+        EXPECT_EQ(x->PartialEval(x, y), y);
+    }
+}
+
+TEST(ZorWBEvaluation, ResetsTravelUpFromTheirLevelAndDownBelowIt) {
+    for (unsigned int level :
+         {Below(ZorWBLevel::ResetBufferUpward), ZorWBLevel::ResetBufferUpward}) {
+        bool upward = level >= ZorWBLevel::ResetBufferUpward;
+        ZorWBFactory f(level);
+        ZorWBVariable* x = f.CreateVariable();
+        ZorWBVariable* y = f.CreateVariable();
+        SetReal(x, 1.0);
+        SetReal(y, 2.0);
+        ZorWBExpression* inner = f.CreateSum(x, y);
+        ZorWBExpression* middle = f.CreateExp(inner);
+        ZorWBExpression* top = f.CreateSqrt(middle);
+        ZorWBExpression* other = f.CreateCos(y);
+        top->GetValue();
+        other->GetValue();
+
+        middle->ResetBuffer(true);
+        EXPECT_FALSE(middle->IsBufferValid());
+        EXPECT_FALSE(top->IsBufferValid());
+        // Downward, and the leaves reached then reset their own ancestors.
+        EXPECT_EQ(inner->IsBufferValid(), upward);
+        EXPECT_EQ(x->IsBufferValid(), upward);
+        EXPECT_EQ(other->IsBufferValid(), upward);
+        top->GetValue();
+        other->GetValue();
+        middle->ResetBuffer(false);
+        EXPECT_FALSE(middle->IsBufferValid());
+        EXPECT_TRUE(top->IsBufferValid());
+        EXPECT_TRUE(inner->IsBufferValid());
+
+        // Assigning a constant or a variable resets the buffers above it only
+        // from the level on; below it the host resets them itself.
+        top->GetValue();
+        SetReal(x, 4.0);
+        EXPECT_EQ(top->IsBufferValid(), !upward);
+        EXPECT_DOUBLE_EQ(RealValue(top), upward ? std::exp(3.0) : std::exp(1.5));
+        f.ResetBuffer(nullptr);
+        EXPECT_DOUBLE_EQ(RealValue(top), std::exp(3.0));
+        ZorWBConstant* c = f.CreateRealConstant(1.0);
+        ZorWBExpression* above = f.CreateSum(c, y);
+        EXPECT_DOUBLE_EQ(RealValue(above), 3.0);
+        c->SetValue(ZorWBValue(5.0), other);
+        EXPECT_FALSE(other->IsBufferValid());  // alsoReset at every level
+        EXPECT_DOUBLE_EQ(RealValue(above), upward ? 7.0 : 3.0);
+
+        // A property change resets the node and its ancestors from the level on.
+        int mark = f.RegisterProperty("mark", 0);
+        top->GetValue();
+        inner->SetProperty(mark, 3);
+        EXPECT_EQ(top->IsBufferValid(), !upward);
+        EXPECT_EQ(inner->IsBufferValid(), !upward);
+    }
+}
+
+TEST(ZorWBEvaluation, FixingAVariableResetsTheFactory) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    ZorWBVariable* y = f.CreateVariable();
+    SetReal(x, 1.0);
+    SetReal(y, 1.0);
+    ZorWBExpression* e = f.CreateSum(y, y);
+    e->GetValue();
+    x->Fix(false);  // unchanged state: nothing happens
+    EXPECT_TRUE(e->IsBufferValid());
+    x->Fix(true);
+    EXPECT_FALSE(e->IsBufferValid());
+}
+
+TEST(ZorWBEvaluation, PreviousValueKeptBelowTheAllLevel) {
+    for (unsigned int level : {Below(ZorWBLevel::All), ZorWBLevel::All}) {
+        ZorWBFactory f(level);
+        ZorWBVariable* x = f.CreateVariable();
+        SetReal(x, 2.0);
+        ZorWBExpression* e = f.CreateProduct(x, x);
+        EXPECT_EQ(e->GetPreviousValue().GetType(), ZorWBUndefinedType);
+        e->GetValue();
+        if (level == ZorWBLevel::All) {
+            EXPECT_EQ(e->GetPreviousValue().GetType(), ZorWBUndefinedType);
+        } else {
+            EXPECT_DOUBLE_EQ(e->GetPreviousValue().GetAsReal(), 4.0);
+            SetReal(x, 3.0);
+            e->GetValue();
+            EXPECT_DOUBLE_EQ(e->GetPreviousValue().GetAsReal(), 9.0);
+        }
+    }
+}
+
+TEST(ZorWBEvaluation, DomainErrorsStayVisibleAfterTheEvaluation) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    SetReal(x, -1.0);
+    ZorWBExpression* root = f.CreateSum(f.CreateSqrt(x), f.CreateCos(x));
+    root->GetValue();
+    EXPECT_EQ(f.GetEnvironment().GetError() & ZorWBError::Domain, ZorWBError::Domain);
+    // The transient code is cleared when the next evaluation starts.
+    SetReal(x, 4.0);
+    EXPECT_DOUBLE_EQ(RealValue(root), 2.0 + std::cos(4.0));
+    EXPECT_EQ(f.GetEnvironment().GetError(), 0u);
+    // Other codes persist.
+    f.GetEnvironment().SetError(ZorWBError::IncompatibleKinds);
+    SetReal(x, 9.0);
+    root->GetValue();
+    EXPECT_EQ(f.GetEnvironment().GetError(), ZorWBError::IncompatibleKinds);
+}
+
+TEST(ZorWBEvaluation, UpdateExprValueStoresTheValues) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    SetReal(x, 3.0);
+    ZorWBExpression* e = f.CreateProduct(x, f.GetTwo());
+    e->UpdateExprValue(false);
+    EXPECT_DOUBLE_EQ(e->GetExprValue().GetAsReal(), 6.0);
+    e->UpdateExprValue(true);
+    EXPECT_DOUBLE_EQ(x->GetExprValue().GetAsReal(), 3.0);
+    EXPECT_DOUBLE_EQ(RealValue(e), 6.0);
+    f.GetTwo()->SetExprValue(ZorWBValue(5));
+    EXPECT_EQ(f.GetTwo()->GetExprValue().GetAsInteger(), 5);
+}
+
+TEST(ZorWBEvaluation, EvaluatingScalarsAllocatesNothing) {
+    ZorWBFactory f(ZorWBLevel::All);
+    RandomGraph graph(f, 99, 10);
+    ZorWBExpression* root = nullptr;
+    for (int i = 0; i < 300; ++i)
+        root = graph.AddNode();
+    ZorWBVariable* x = graph.variables[0];
+    for (int i = 0; i < 3; ++i) {  // grows the factory's reusable stacks
+        SetReal(x, 0.1 * i);
+        root->GetValue();
+        root->Eval();
+    }
+    std::size_t before = AllocationCount();
+    double sum = 0.0;
+    for (int i = 0; i < 20; ++i) {
+        SetReal(x, 0.05 * i);
+        sum += RealValue(root);
+        sum += root->Eval();
+        sum += RealValue(root);  // a valid buffer
+    }
+    EXPECT_EQ(AllocationCount(), before);
+    EXPECT_FALSE(std::isnan(sum));
+}
+
+TEST(ZorWBEvaluation, MillionDeepChainWithoutDeepRecursion) {
+    constexpr int Depth = 1000000;
+    auto factory = std::make_unique<ZorWBFactory>(ZorWBLevel::All);
+    ZorWBFactory& f = *factory;
+    ZorWBVariable* x = f.CreateVariable();
+    x->SetExprValue(ZorWBValue(1));
+    ZorWBExpression* chain = x;
+    for (int i = 0; i < Depth; ++i)
+        chain = f.CreateSum(chain, x);
+    EXPECT_EQ(chain->GetValue().GetAsInteger(), Depth + 1);
+    EXPECT_EQ(chain->Eval(), Depth + 1.0);
+    x->SetExprValue(ZorWBValue(2));
+    f.ResetNbOfEvaluations();
+    EXPECT_EQ(chain->GetValue().GetAsInteger(), 2 * (Depth + 1));
+    EXPECT_EQ(f.GetNbOfEvaluations(), Depth + 1);
+    x->SetAllowBufferEval(false, true, false);
+    EXPECT_FALSE(chain->AllowsBufferEval());
+    x->SetAllowBufferEval(true, true, true);
+    EXPECT_TRUE(chain->AllowsBufferEval());
+    EXPECT_TRUE(chain->IsLinear());
+    EXPECT_FALSE(chain->IsFree(x));
+    factory.reset();
+}
+
+// Property: buffered values after random changes equal a fresh evaluation
+// (a copy of the graph in a new factory), and the real evaluation agrees.
+TEST(ZorWBEvaluation, RandomGraphsAgreeWithFreshAndRealEvaluation) {
+    for (unsigned int seed = 1; seed <= 12; ++seed) {
+        ZorWBFactory f(ZorWBLevel::All);
+        RandomGraph graph(f, seed, 5);
+        ZorWBExpression* root = nullptr;
+        for (int i = 0; i < 120; ++i)
+            root = graph.AddNode();
+        for (int round = 0; round < 15; ++round) {
+            for (int changes = 0; changes <= round % 3; ++changes)
+                SetReal(graph.AnyVariable(), graph.Uniform());
+            // Some intermediate nodes are asked too, so buffers mix states.
+            graph.Pick()->GetValue();
+            double buffered = RealValue(root);
+
+            ZorWBFactory fresh(ZorWBLevel::All);
+            ZorWBExpression* copy = fresh.CloneExpression(root);
+            ASSERT_NE(copy, nullptr);
+            EXPECT_EQ(RealValue(copy), buffered) << "seed " << seed << " round " << round;
+            EXPECT_NEAR(root->Eval(), buffered, 1e-12) << "seed " << seed;
+            EXPECT_EQ(f.GetEnvironment().GetError(), 0u);
+        }
+    }
+}
+
+// Property: substituting a constant for a variable and evaluating equals
+// evaluating with the variable set to that constant.
+TEST(ZorWBEvaluation, RandomPartialEvaluationMatchesAssignment) {
+    for (unsigned int seed = 20; seed < 32; ++seed) {
+        ZorWBFactory f(ZorWBLevel::All);
+        RandomGraph graph(f, seed, 4);
+        ZorWBExpression* root = nullptr;
+        for (int i = 0; i < 80; ++i)
+            root = graph.AddNode();
+        ZorWBVariable* x = graph.AnyVariable();
+        double at = graph.Uniform();
+        ZorWBExpression* constant = f.CreateRealConstant(at);
+        ZorWBExpression* substituted = root->PartialEval(x, constant);
+        ZorWBExpression* evaluated = root->Evaluate(1, &x, &constant);
+        EXPECT_TRUE(substituted->IsFree(x));
+        EXPECT_TRUE(substituted->IsEqualTo(evaluated));
+        SetReal(x, graph.Uniform());
+        double partial = RealValue(substituted);
+        SetReal(x, at);
+        EXPECT_EQ(partial, RealValue(root)) << "seed " << seed;
+        EXPECT_EQ(RealValue(evaluated), partial);
+    }
+}
