@@ -17,16 +17,6 @@ ZorWBEnumBase<T>::ZorWBEnumBase(const ZorWBEnumBase& other)
 }
 
 template <class T>
-ZorWBEnumBase<T>::ZorWBEnumBase(ZorWBEnumBase&& other) noexcept
-    : _data(other._data),
-      _size(other._size),
-      _capacity(other._capacity),
-      _representation(other._representation) {
-    other._data = nullptr;
-    other._size = other._capacity = 0;
-}
-
-template <class T>
 ZorWBEnumBase<T>& ZorWBEnumBase<T>::operator=(const ZorWBEnumBase& other) {
     if (this == &other) return *this;
     _size = 0;
@@ -49,11 +39,6 @@ ZorWBEnumBase<T>& ZorWBEnumBase<T>::operator=(ZorWBEnumBase&& other) noexcept {
     other._data = nullptr;
     other._size = other._capacity = 0;
     return *this;
-}
-
-template <class T>
-ZorWBEnumBase<T>::~ZorWBEnumBase() {
-    delete[] _data;
 }
 
 template <class T>

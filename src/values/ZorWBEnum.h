@@ -23,10 +23,20 @@ class ZORWBX_API ZorWBEnumBase {
     explicit ZorWBEnumBase(ZorWBEnumRepresentation representation = ZorWBEnumAny)
         : _representation(representation) {}
     ZorWBEnumBase(const ZorWBEnumBase& other);
-    ZorWBEnumBase(ZorWBEnumBase&& other) noexcept;
+    ZorWBEnumBase(ZorWBEnumBase&& other) noexcept
+        : _data(other._data),
+          _size(other._size),
+          _capacity(other._capacity),
+          _representation(other._representation) {
+        other._data = nullptr;
+        other._size = other._capacity = 0;
+    }
     ZorWBEnumBase& operator=(const ZorWBEnumBase& other);
     ZorWBEnumBase& operator=(ZorWBEnumBase&& other) noexcept;
-    ~ZorWBEnumBase();
+    // Inline so that the common empty enumeration costs one test.
+    ~ZorWBEnumBase() {
+        if (_data) delete[] _data;
+    }
 
     int GetSize() const { return _size; }
     // Resizes the entries (new ones are 0); false when memory is short.

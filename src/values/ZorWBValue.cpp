@@ -98,36 +98,25 @@ ZorWBValue::ZorWBValue(ZorWBValueType type) : _type(type) {
     }
 }
 
-ZorWBValue::ZorWBValue(const ZorWBValue& other)
-    : _type(other._type), _payload(other._payload), _environment(other._environment) {
-    CopyEnums(other);
-}
-
-ZorWBValue::ZorWBValue(ZorWBValue&& other) noexcept
-    : _type(other._type),
-      _payload(other._payload),
-      _integerEnum(std::move(other._integerEnum)),
-      _realEnum(std::move(other._realEnum)),
-      _environment(other._environment) {}
-
-ZorWBValue& ZorWBValue::operator=(const ZorWBValue& other) {
+ZorWBValue& ZorWBValue::AssignWithEnums(const ZorWBValue& other) {
     if (this == &other) return *this;
-    if (IsEnumKind(_type) && !IsEnumKind(other._type)) ResetEnums();
-    _type = other._type;
-    _payload = other._payload;
-    _environment = other._environment;
+    if (IsEnumKind(_type)) ResetEnums();
+    CopyScalar(other);
     CopyEnums(other);
     return *this;
 }
 
-ZorWBValue& ZorWBValue::operator=(ZorWBValue&& other) noexcept {
+ZorWBValue& ZorWBValue::MoveAssignWithEnums(ZorWBValue& other) noexcept {
     if (this == &other) return *this;
-    _type = other._type;
-    _payload = other._payload;
-    _integerEnum = std::move(other._integerEnum);
-    _realEnum = std::move(other._realEnum);
-    _environment = other._environment;
+    if (IsEnumKind(_type)) ResetEnums();
+    CopyScalar(other);
+    MoveEnums(other);
     return *this;
+}
+
+void ZorWBValue::MoveEnums(ZorWBValue& other) noexcept {
+    if (other._type == ZorWBIntegerEnumType) _integerEnum = std::move(other._integerEnum);
+    if (other._type == ZorWBRealEnumType) _realEnum = std::move(other._realEnum);
 }
 
 void ZorWBValue::ResetEnums() {

@@ -57,10 +57,26 @@ class ZORWBX_API ZorWBValue {
     ZorWBValue(const ZorWBIntegerEnum& value) { Set(value); }
     ZorWBValue(const ZorWBRealEnum& value) { Set(value); }
     ZorWBValue(const ZorWBFraction& value) { Load(value); }
-    ZorWBValue(const ZorWBValue& other);
-    ZorWBValue(ZorWBValue&& other) noexcept;
-    ZorWBValue& operator=(const ZorWBValue& other);
-    ZorWBValue& operator=(ZorWBValue&& other) noexcept;
+    // Copies and moves of scalar kinds are inline and touch only the payload;
+    // enumerations take the out-of-line path.
+    ZorWBValue(const ZorWBValue& other)
+        : _type(other._type), _payload(other._payload), _environment(other._environment) {
+        if (IsEnumKind(other._type)) CopyEnums(other);
+    }
+    ZorWBValue(ZorWBValue&& other) noexcept
+        : _type(other._type), _payload(other._payload), _environment(other._environment) {
+        if (IsEnumKind(other._type)) MoveEnums(other);
+    }
+    ZorWBValue& operator=(const ZorWBValue& other) {
+        if (IsEnumKind(_type) || IsEnumKind(other._type)) return AssignWithEnums(other);
+        CopyScalar(other);
+        return *this;
+    }
+    ZorWBValue& operator=(ZorWBValue&& other) noexcept {
+        if (IsEnumKind(_type) || IsEnumKind(other._type)) return MoveAssignWithEnums(other);
+        CopyScalar(other);
+        return *this;
+    }
     ~ZorWBValue() = default;
 
     // A heap copy owned by the caller.
@@ -175,6 +191,14 @@ class ZORWBX_API ZorWBValue {
     }
     void ResetEnums();
     void CopyEnums(const ZorWBValue& other);
+    void MoveEnums(ZorWBValue& other) noexcept;
+    ZorWBValue& AssignWithEnums(const ZorWBValue& other);
+    ZorWBValue& MoveAssignWithEnums(ZorWBValue& other) noexcept;
+    void CopyScalar(const ZorWBValue& other) {
+        _type = other._type;
+        _payload = other._payload;
+        _environment = other._environment;
+    }
     static bool IsEnumKind(ZorWBValueType type) {
         return type == ZorWBIntegerEnumType || type == ZorWBRealEnumType;
     }
