@@ -319,7 +319,9 @@ class ZORWBX_API ZorWBFactory {
     // an inner boundary belongs to the earlier interval. Null when x is null
     // or an interval has an unknown interpolation type; the Indefinite
     // constant for an empty sf (which, from the level
-    // ZorWBLevel::EmptySegmentNoBuffer on, also makes x unbuffered).
+    // ZorWBLevel::EmptySegmentNoBuffer on, also makes x unbuffered). Its
+    // derivative is that of the piece inside an interval, and 0 where the
+    // value is indefinite (the Indefinite constant is a constant).
     ZorWBExpression* CreateSegmentFunction(ZorWBExpression* x, const ZorWBSegmentFunction& sf);
 
     // Interpolating polynomials; every argument is an expression, and a null
