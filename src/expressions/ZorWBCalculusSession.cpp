@@ -64,7 +64,8 @@ bool ZorWBCalculusSession::UsesChildDerivative(const ZorWBExpression* node, int 
         case Type::BlackBox:
             return environment.CheckLevel(ZorWBLevel::PredefinedZeroOne);
         case Type::Integrate:
-            return i == 0 && ZorWBGraphWalk::Child(node, 1) != _variable;
+            return i == 0 && ZorWBGraphWalk::NbOfChildren(node) == 2 &&
+                   ZorWBGraphWalk::Child(node, 1) != _variable;
         default:
             return true;
     }
@@ -111,7 +112,8 @@ bool ZorWBCalculusSession::IntegratesChild(const ZorWBExpression* node, int i) {
         case Type::UnaryMinus:
             return true;
         case Type::Quotient:
-            return i == 0 && IsFree(ZorWBGraphWalk::Child(node, 1));
+            return i == 0 && ZorWBGraphWalk::NbOfChildren(node) == 2 &&
+                   IsFree(ZorWBGraphWalk::Child(node, 1));
         case Type::Product: {
             if (IsFree(child)) return false;
             for (int j = 0; j < ZorWBGraphWalk::NbOfChildren(node); ++j) {

@@ -74,31 +74,19 @@ inline double Uniform(std::mt19937& random, double low, double high) {
 
 // Random compositions of smooth functions over a few variables whose values
 // stay in [-1, 1]: every node maps [-1, 1] into [-1, 1] with bounded
-// derivatives, so central differences are accurate everywhere.
-class SmoothGraph {
+// derivatives, so central differences are accurate everywhere. Operands are
+// picked as RandomGraph picks them.
+class SmoothGraph : public RandomGraph {
   public:
     SmoothGraph(ZorWBFactory& factory, unsigned int seed, int nbOfVariables)
-        : _factory(factory), _random(seed) {
-        for (int i = 0; i < nbOfVariables; ++i) {
-            ZorWBVariable* variable = factory.CreateVariable();
-            variables.push_back(variable);
-            nodes.push_back(variable);
-        }
-    }
+        : RandomGraph(factory, seed, nbOfVariables), _factory(factory) {}
 
     void Randomise() {
         for (ZorWBVariable* variable : variables)
-            SetReal(variable, Uniform(_random, -1.0, 1.0));
+            SetReal(variable, Uniform());
     }
 
-    ZorWBExpression* Pick() {
-        int n = static_cast<int>(nodes.size());
-        int recent = std::min(n, 6);
-        int i = Index(3) == 0 ? Index(n) : n - 1 - Index(recent);
-        return nodes[static_cast<std::size_t>(i)];
-    }
-
-    ZorWBExpression* AddNode() {
+    ZorWBExpression* AddSmoothNode() {
         ZorWBFactory& f = _factory;
         ZorWBExpression* a = Pick();
         ZorWBExpression* b = Pick();
@@ -151,14 +139,8 @@ class SmoothGraph {
         return node;
     }
 
-    std::vector<ZorWBVariable*> variables;
-    std::vector<ZorWBExpression*> nodes;
-
   private:
-    int Index(int n) { return std::uniform_int_distribution<int>(0, n - 1)(_random); }
-
     ZorWBFactory& _factory;
-    std::mt19937 _random;
 };
 
 #endif

@@ -173,7 +173,7 @@ TEST(ZorWBDifferentiation, RandomSmoothCompositionsAgreeWithCentralDifferences) 
         SmoothGraph graph(f, seed, 3);
         ZorWBExpression* last = nullptr;
         for (int i = 0; i < 40; ++i)
-            last = graph.AddNode();
+            last = graph.AddSmoothNode();
         for (ZorWBVariable* x : graph.variables) {
             int compared = CheckDerivative(
                 last, x, [&graph]() { graph.Randomise(); }, 8);
