@@ -460,3 +460,23 @@ TEST(ZorWBDifferentiation, AMillionDeepChainNeedsNoDeepCallStack) {
     SetReal(x, 0.5);
     EXPECT_EQ(d->GetValue().GetAsInteger(), depth + 1);
 }
+
+TEST(ZorWBDifferentiation, DismantledNodesHaveNoDerivative) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    ZorWBVariable* y = f.CreateVariable();
+    std::vector<ZorWBExpression*> nodes = {
+        f.CreateQuotient(f.CreateSin(x), y), f.CreatePower(x, y), f.CreateAtan2(x, y),
+        f.CreateIntegrateOperator(f.CreateSin(x), x), f.CreateOperator(Type::Round, x, y, y),
+        f.CreateIfThenElse(f.CreateLessEqual(x, y), x, y)};
+    for (ZorWBExpression* node : nodes) {
+        SCOPED_TRACE(static_cast<int>(node->GetType()));
+        ASSERT_TRUE(node->RemoveChild(node->GetNbOfChildren() - 1));
+        EXPECT_EQ(f.CreateDerivative(node, x), nullptr);
+        bool done = true;
+        ZorWBExpression* antiDerivative = f.CreateAntiDerivative(node, x, done);
+        EXPECT_FALSE(done);
+        ASSERT_NE(antiDerivative, nullptr);
+        EXPECT_EQ(antiDerivative->GetType(), Type::Integrate);
+    }
+}
