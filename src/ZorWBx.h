@@ -33,6 +33,19 @@
 #include "expressions/ZorWBOperator.h"
 #include "expressions/ZorWBVariable.h"
 
+#include "parser/ZorWBLocation.h"
+#include "parser/ZorWBModel.h"
+#include "parser/ZorWBModelCheck.h"
+#include "parser/ZorWBModelHomogeneity.h"
+#include "parser/ZorWBModelPrinter.h"
+#include "parser/ZorWBNode.h"
+#include "parser/ZorWBNumberText.h"
+#include "parser/ZorWBParser.h"
+#include "parser/ZorWBParserMessenger.h"
+#include "parser/ZorWBParserResult.h"
+#include "parser/ZorWBUnit.h"
+#include "parser/ZorWBVisitor.h"
+
 #include "debug/ZorWBDebug.h"
 
 #endif

@@ -314,7 +314,7 @@ void ZorWBModelPrinter::AppendValue(ZorQelString& text, const ZorWBValue& value)
             }
             int start = text.GetLength();
             text.AppendDouble(real);
-            if (LooksLikeInteger(text, start + (real < 0 ? 1 : 0))) text += ".0";
+            if (LooksLikeInteger(text, start + (std::signbit(real) ? 1 : 0))) text += ".0";
             return;
         }
         case ZorWBFractionType: {

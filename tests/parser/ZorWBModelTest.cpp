@@ -5,13 +5,6 @@
 
 namespace {
 
-ZorWBNodeList List(std::initializer_list<ZorWBNode*> nodes) {
-    ZorWBNodeList list;
-    for (ZorWBNode* node : nodes)
-        list.Add(node);
-    return list;
-}
-
 // Counts the nodes of each class that a walk accepts.
 class CountingVisitor : public ZorWBVisitor {
   public:
