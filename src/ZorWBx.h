@@ -30,6 +30,7 @@
 #include "expressions/ZorWBExpression.h"
 #include "expressions/ZorWBExpressionType.h"
 #include "expressions/ZorWBFactory.h"
+#include "expressions/ZorWBLanguageText.h"
 #include "expressions/ZorWBOperator.h"
 #include "expressions/ZorWBVariable.h"
 
@@ -45,6 +46,8 @@
 #include "parser/ZorWBParserResult.h"
 #include "parser/ZorWBUnit.h"
 #include "parser/ZorWBVisitor.h"
+
+#include "output/ZorWBEquationPrinter.h"
 
 #include "debug/ZorWBDebug.h"
 
