@@ -66,31 +66,6 @@ int ZorWBParser::Parse(const char* text, ZorWBModel& model, ZorQelIntArray& equa
     return ParseInput({nullptr, text}, model, equationIds, messenger, blackBoxes);
 }
 
-namespace {
-
-// After a reading into a factory: the black boxes from index first on that
-// the factory calls belong to it from then on (marked internal); the others
-// (all of them after a failed filling that declared none, or those of a
-// conditional statement that added no equation) are deleted and taken off
-// the list, since nothing would own them.
-void SettleBlackBoxes(ZorQelListPZorWBBlackBox& blackBoxes, int first,
-                      const ZorWBFactory& factory) {
-    for (int i = blackBoxes.GetSize() - 1; i >= first; --i) {
-        ZorWBBlackBox* blackBox = blackBoxes.Get(i);
-        bool called = false;
-        for (int k = 0; !called && k < factory.GetNbOfBlackBoxes(); ++k)
-            called = factory.GetBlackBox(k) == blackBox;
-        if (called) {
-            blackBox->SetInternal();
-        } else {
-            delete blackBox;
-            blackBoxes.RemoveAt(i);
-        }
-    }
-}
-
-}  // namespace
-
 ZorWBExpression* ZorWBParser::ReadZorWBExpression(const char* text, ZorWBFactory& factory,
                                                   ZorQelListPZorWBBlackBox& blackBoxes) {
     ZorWBModel model(factory.GetWBLevel());
@@ -104,7 +79,23 @@ ZorWBExpression* ZorWBParser::ReadZorWBExpression(const char* text, ZorWBFactory
         std::exit(100);
     }
     model.FillFactory(factory, equationIds);
-    SettleBlackBoxes(blackBoxes, first, factory);
+    HandOverBlackBoxes(blackBoxes, first, factory);
     ZorWBEquation* last = factory.GetLastEquation();
     return last ? last->GetRoot() : nullptr;
+}
+
+void ZorWBParser::HandOverBlackBoxes(ZorQelListPZorWBBlackBox& blackBoxes, int first,
+                                     const ZorWBFactory& factory) {
+    for (int i = blackBoxes.GetSize() - 1; i >= first && i >= 0; --i) {
+        ZorWBBlackBox* blackBox = blackBoxes.Get(i);
+        bool called = false;
+        for (int k = 0; !called && k < factory.GetNbOfBlackBoxes(); ++k)
+            called = factory.GetBlackBox(k) == blackBox;
+        if (called) {
+            blackBox->SetInternal();
+        } else {
+            delete blackBox;
+            blackBoxes.RemoveAt(i);
+        }
+    }
 }

@@ -58,12 +58,18 @@ class ZORWBX_API ZorWBParser {
     // standard error and ENDS THE PROCESS with exit status 100: callers that
     // must survive bad input use Parse. Otherwise the model fills the factory
     // (units converted, ZorWBModel::FillFactory), and the black boxes this
-    // call appended belong to the factory (marked internal) when the factory
-    // calls them; the others (after a failed filling) are deleted and taken
-    // off the list. The root is returned even when the filling failed, so it
-    // may then be that of an earlier equation.
+    // call appended are handed over to it (HandOverBlackBoxes). The root is returned even when the
+    // filling failed, so it may then be that of an earlier equation.
     static ZorWBExpression* ReadZorWBExpression(const char* text, ZorWBFactory& factory,
                                                 ZorQelListPZorWBBlackBox& blackBoxes);
+
+    // After a model was filled into a factory: the black boxes of the list
+    // from index first on that the factory calls belong to it from then on
+    // (marked internal); the others, which nothing would own (those of a
+    // failed filling, or of a conditional statement that added no equation),
+    // are deleted and taken off the list.
+    static void HandOverBlackBoxes(ZorQelListPZorWBBlackBox& blackBoxes, int first,
+                                   const ZorWBFactory& factory);
 };
 
 #endif
