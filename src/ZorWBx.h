@@ -25,6 +25,7 @@
 #include "expressions/ZorWBBlackBox.h"
 #include "expressions/ZorWBBlackBoxOperator.h"
 #include "expressions/ZorWBConstant.h"
+#include "expressions/ZorWBDerivBlackBox.h"
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBEquationType.h"
 #include "expressions/ZorWBExpression.h"
@@ -32,6 +33,7 @@
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBLanguageText.h"
 #include "expressions/ZorWBOperator.h"
+#include "expressions/ZorWBSegmentFunction.h"
 #include "expressions/ZorWBVariable.h"
 
 #include "parser/ZorWBLocation.h"
