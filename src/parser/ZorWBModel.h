@@ -210,9 +210,25 @@ class ZORWBX_API ZorWBModel {
     ZorWBEqNode* _lastEquation = nullptr;
     int _nextEquationId = 0;
 
-    std::unordered_map<std::string, std::vector<ZorWBVarNode*>> _variablesByName;
-    std::unordered_map<Place, ZorWBVarNode*, PlaceHash, PlaceEqual> _variablesByPlace;
+    // The variable nodes of each name in order of creation: the first and the
+    // last of a chain that the nodes link.
+    struct NameChain {
+        ZorWBVarNode* first;
+        ZorWBVarNode* last;
+        int count;
+    };
+    std::unordered_map<std::string, NameChain> _variablesByName;
     int _nbOfVariables = 0;
+    // Variable nodes by place. The nodes a parse reads come at strictly
+    // increasing places, so a lookup beyond the furthest node read so far
+    // misses without any index; the index is built on the first lookup that
+    // may hit (a text parsed into a model that holds another one).
+    bool MayHoldPlace(const ZorWBLocation& location) const;
+    bool IndexPlaces() const;
+    int _furthestLine = 0;
+    int _furthestColumn = -1;
+    mutable std::unordered_map<Place, ZorWBVarNode*, PlaceHash, PlaceEqual> _variablesByPlace;
+    mutable bool _placesIndexed = false;
 
     std::unordered_multimap<std::size_t, ZorWBOpNode*> _blackBoxCalls;
     std::vector<ZorWBBlackBox*> _declaredBlackBoxes;

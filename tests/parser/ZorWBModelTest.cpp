@@ -139,6 +139,39 @@ TEST(ZorWBModel, EquationListAndIds) {
     EXPECT_NE(foreign, nullptr);
 }
 
+TEST(ZorWBModel, VariableNodesFoundByPlaceInAnyOrder) {
+    // A second text parsed into the same model reuses the nodes read at the
+    // same places, and only those.
+    ZorWBModel model;
+    ZorQelIntArray ids;
+    ZorWBParserMessenger messenger;
+    ZorWBParser::Parse("x + y;\nz;", model, ids, messenger);
+    ASSERT_EQ(model.GetNbOfVariables(), 3);
+    ZorWBParser::Parse("x + q;\nz + w;", model, ids, messenger);
+    EXPECT_EQ(model.GetNbOfVariables(), 5);  // x and z again, q and w new
+    ZorQelArray<ZorWBVarNode*> xs;
+    EXPECT_EQ(model.GetVariable("x", xs), 1);
+    EXPECT_EQ(model.GetEquationById(2)->GetLeftTerm()->GetChild(0), xs.Get(0));
+    EXPECT_EQ(model.GetEquationById(3)->GetLeftTerm()->GetChild(0), model.GetVariable("z"));
+    // Nodes made by hand in any order of places.
+    ZorWBModel byHand;
+    std::vector<ZorWBVarNode*> made;
+    for (int i = 0; i < 50; ++i) {
+        int line = (i * 37) % 11, column = (i * 13) % 7;
+        made.push_back(byHand.CreateVariable(ZorWBLocation(line, column, line, column + 1),
+                                             i % 2 ? "a" : "b"));
+        for (int k = 0; k <= i; ++k) {
+            const ZorWBLocation& place = made[k]->GetLocation();
+            ZorWBVarNode* found = byHand.GetVariable(made[k]->GetName(), place);
+            // The first node made at a place is the one found there.
+            EXPECT_TRUE(found && found->GetName() == made[k]->GetName() &&
+                        found->GetLocation().Compare(place));
+        }
+    }
+    EXPECT_EQ(byHand.GetVariable("a", ZorWBLocation(99, 0, 99, 1)), nullptr);
+    EXPECT_EQ(byHand.GetVariable("c", made[0]->GetLocation()), nullptr);
+}
+
 TEST(ZorWBModel, VariablesOperatorsAndParents) {
     ParsedText parsed("x + y * x = x;");
     const ZorWBModel& model = parsed.model;
