@@ -103,6 +103,7 @@ TEST(ZorWBEquationPrinter, ArithmeticWithTheFewestBrackets) {
 }
 
 TEST(ZorWBEquationPrinter, NumbersCallsAndConditions) {
+    ZorWBBBx blackBox(ZorQelString("f"));  // outlives the factory that calls it
     Shapes s;
     ZorWBFactory& f = s.f;
     const double inf = std::numeric_limits<double>::infinity();
@@ -154,7 +155,6 @@ TEST(ZorWBEquationPrinter, NumbersCallsAndConditions) {
     for (const auto& [expression, text] : cases)
         EXPECT_EQ(Text(expression), text);
 
-    ZorWBBBx blackBox(ZorQelString("f"));
     ZorWBExpression* args[] = {s.x, s.Int(1)};
     EXPECT_EQ(Text(f.DeclareBlackBox(&blackBox, 2, args, false)), "f(x, 1)");
     EXPECT_EQ(Text(f.DeclareBlackBox(&blackBox, 0, nullptr, false)), "f()");
