@@ -31,9 +31,25 @@
 #include "expressions/ZorWBExpression.h"
 #include "expressions/ZorWBExpressionType.h"
 #include "expressions/ZorWBFactory.h"
+#include "expressions/ZorWBLanguageText.h"
 #include "expressions/ZorWBOperator.h"
 #include "expressions/ZorWBSegmentFunction.h"
 #include "expressions/ZorWBVariable.h"
+
+#include "parser/ZorWBLocation.h"
+#include "parser/ZorWBModel.h"
+#include "parser/ZorWBModelCheck.h"
+#include "parser/ZorWBModelHomogeneity.h"
+#include "parser/ZorWBModelPrinter.h"
+#include "parser/ZorWBNode.h"
+#include "parser/ZorWBNumberText.h"
+#include "parser/ZorWBParser.h"
+#include "parser/ZorWBParserMessenger.h"
+#include "parser/ZorWBParserResult.h"
+#include "parser/ZorWBUnit.h"
+#include "parser/ZorWBVisitor.h"
+
+#include "output/ZorWBEquationPrinter.h"
 
 #include "debug/ZorWBDebug.h"
 
