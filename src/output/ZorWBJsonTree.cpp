@@ -6,11 +6,12 @@
 #include <unordered_set>
 #include <vector>
 
-struct ZorWBJsonEntry {
-    ZorQelString key;  // empty in lists
+struct ZorWBJsonMember {
+    ZorQelString key;
     ZorWBJsonValue value;
 };
 
+// The shared part of an object, a list or a string.
 struct ZorWBJsonContainer {
     static constexpr std::size_t InitialRoom = 10;
 
@@ -18,10 +19,13 @@ struct ZorWBJsonContainer {
     // Chains containers waiting for destruction, so that releasing a deeply
     // nested tree needs neither recursion nor memory.
     ZorWBJsonContainer* nextToDestroy = nullptr;
-    std::vector<ZorWBJsonEntry> entries;
+    ZorQelString text;                     // a string
+    std::vector<ZorWBJsonMember> members;  // an object
+    std::vector<ZorWBJsonValue> items;     // a list
 
     // Room for one more entry: 10 at first, then twice the current room.
-    bool MakeRoom() {
+    template <class Entries>
+    static bool MakeRoom(Entries& entries) {
         if (entries.size() < entries.capacity()) return true;
         std::size_t room = entries.capacity() == 0 ? InitialRoom : 2 * entries.capacity();
         try {
@@ -69,26 +73,52 @@ void AppendReal(ZorQelString& out, double value) {
 ZorWBJsonValue::ZorWBJsonValue(ZorWBJsonContainer* container, Kind kind)
     : _kind(container ? kind : Invalid), _container(container) {}
 
-ZorWBJsonValue::ZorWBJsonValue(const ZorWBJsonValue& other)
-    : _kind(other._kind),
-      _integer(other._integer),
-      _real(other._real),
-      _boolean(other._boolean),
-      _string(other._string),
-      _container(other._container) {
-    if (_container) ++_container->references;
+ZorWBJsonValue::ZorWBJsonValue(const ZorQelString& value)
+    : ZorWBJsonValue(new (std::nothrow) ZorWBJsonContainer, String) {
+    if (!_container) return;
+    try {
+        _container->text = value;
+    } catch (const std::bad_alloc&) {
+        Release();
+    }
+}
+
+bool ZorWBJsonValue::HoldsContainer() const {
+    return _kind == Object || _kind == List || _kind == String;
+}
+
+void ZorWBJsonValue::CopyPayload(const ZorWBJsonValue& other) {
+    _kind = other._kind;
+    switch (_kind) {
+        case Integer:
+            _integer = other._integer;
+            break;
+        case Real:
+            _real = other._real;
+            break;
+        case Boolean:
+            _boolean = other._boolean;
+            break;
+        case Invalid:
+            _container = nullptr;
+            break;
+        default:
+            _container = other._container;
+            ++_container->references;
+            break;
+    }
+}
+
+ZorWBJsonValue::ZorWBJsonValue(const ZorWBJsonValue& other) {
+    CopyPayload(other);
 }
 
 ZorWBJsonValue& ZorWBJsonValue::operator=(const ZorWBJsonValue& other) {
     if (this == &other) return *this;
-    if (other._container) ++other._container->references;
+    // other may live inside the container that this value releases.
+    ZorWBJsonValue kept(other);
     Release();
-    _kind = other._kind;
-    _integer = other._integer;
-    _real = other._real;
-    _boolean = other._boolean;
-    _string = other._string;
-    _container = other._container;
+    CopyPayload(kept);
     return *this;
 }
 
@@ -96,23 +126,29 @@ ZorWBJsonValue::~ZorWBJsonValue() {
     Release();
 }
 
+// Takes the container out of a value about to be destroyed with its
+// holder, and chains it for destruction when it was the last reference.
+void ZorWBJsonValue::Detach(ZorWBJsonValue& value, ZorWBJsonContainer*& pending) {
+    if (!value.HoldsContainer()) return;
+    ZorWBJsonContainer* inner = value._container;
+    value._kind = Invalid;
+    value._container = nullptr;
+    if (--inner->references == 0) {
+        inner->nextToDestroy = pending;
+        pending = inner;
+    }
+}
+
 void ZorWBJsonValue::Release() {
-    ZorWBJsonContainer* container = _container;
-    _container = nullptr;
-    _kind = Invalid;
-    if (!container || --container->references > 0) return;
-    ZorWBJsonContainer* pending = container;
+    ZorWBJsonContainer* pending = nullptr;
+    Detach(*this, pending);
     while (pending) {
         ZorWBJsonContainer* current = pending;
         pending = current->nextToDestroy;
-        for (ZorWBJsonEntry& entry : current->entries) {
-            ZorWBJsonContainer* inner = entry.value._container;
-            entry.value._container = nullptr;
-            if (inner && --inner->references == 0) {
-                inner->nextToDestroy = pending;
-                pending = inner;
-            }
-        }
+        for (ZorWBJsonMember& member : current->members)
+            Detach(member.value, pending);
+        for (ZorWBJsonValue& item : current->items)
+            Detach(item, pending);
         delete current;
     }
 }
@@ -126,7 +162,15 @@ ZorWBJsonValue ZorWBJsonValue::MakeList() {
 }
 
 int ZorWBJsonValue::GetNbOfEntries() const {
-    return _container ? static_cast<int>(_container->entries.size()) : 0;
+    if (_kind == Object) return static_cast<int>(_container->members.size());
+    if (_kind == List) return static_cast<int>(_container->items.size());
+    return 0;
+}
+
+int ZorWBJsonValue::GetRoom() const {
+    if (_kind == Object) return static_cast<int>(_container->members.capacity());
+    if (_kind == List) return static_cast<int>(_container->items.capacity());
+    return 0;
 }
 
 int ZorWBJsonValue::CompareKeys(const ZorQelString& a, const ZorQelString& b) {
@@ -141,48 +185,55 @@ int ZorWBJsonValue::CompareKeys(const ZorQelString& a, const ZorQelString& b) {
 }
 
 bool ZorWBJsonValue::WouldMakeCycle(const ZorWBJsonContainer* target, const ZorWBJsonValue& value) {
+    if (value._kind != Object && value._kind != List) return false;
+    if (value._container == target) return true;
     // The caller's handle is the only reference to a target that no
     // container holds, so nothing inside value can lead back to it.
-    if (!value._container) return false;
-    if (value._container == target) return true;
     if (target->references == 1) return false;
     std::vector<const ZorWBJsonContainer*> stack{value._container};
     std::unordered_set<const ZorWBJsonContainer*> seen{value._container};
+    auto visit = [&](const ZorWBJsonValue& inner) {
+        if ((inner._kind == Object || inner._kind == List) && seen.insert(inner._container).second)
+            stack.push_back(inner._container);
+    };
     while (!stack.empty()) {
         const ZorWBJsonContainer* current = stack.back();
         stack.pop_back();
         if (current == target) return true;
-        for (const ZorWBJsonEntry& entry : current->entries) {
-            const ZorWBJsonContainer* inner = entry.value._container;
-            if (inner && seen.insert(inner).second) stack.push_back(inner);
-        }
+        for (const ZorWBJsonMember& member : current->members)
+            visit(member.value);
+        for (const ZorWBJsonValue& item : current->items)
+            visit(item);
     }
     return false;
 }
 
-bool ZorWBJsonValue::Insert(int position, const ZorQelString& key, const ZorWBJsonValue& value) {
+bool ZorWBJsonValue::AddMember(const ZorQelString& key, const ZorWBJsonValue& value) {
+    if (_kind != Object) return false;
+    std::vector<ZorWBJsonMember>& members = _container->members;
+    std::size_t position = 0;
+    while (position < members.size() && CompareKeys(members[position].key, key) <= 0)
+        ++position;
     try {
-        if (WouldMakeCycle(_container, value) || !_container->MakeRoom()) return false;
-        _container->entries.insert(_container->entries.begin() + position, {key, value});
+        if (WouldMakeCycle(_container, value) || !ZorWBJsonContainer::MakeRoom(members))
+            return false;
+        members.insert(members.begin() + static_cast<std::ptrdiff_t>(position), {key, value});
     } catch (const std::bad_alloc&) {
         return false;
     }
     return true;
 }
 
-bool ZorWBJsonValue::AddMember(const ZorQelString& key, const ZorWBJsonValue& value) {
-    if (_kind != Object) return false;
-    int position = 0;
-    int size = GetNbOfEntries();
-    while (position < size &&
-           CompareKeys(_container->entries[static_cast<std::size_t>(position)].key, key) <= 0)
-        ++position;
-    return Insert(position, key, value);
-}
-
 bool ZorWBJsonValue::Append(const ZorWBJsonValue& value) {
     if (_kind != List) return false;
-    return Insert(GetNbOfEntries(), ZorQelString(), value);
+    try {
+        if (WouldMakeCycle(_container, value) || !ZorWBJsonContainer::MakeRoom(_container->items))
+            return false;
+        _container->items.push_back(value);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    return true;
 }
 
 void ZorWBJsonValue::PrintScalar(ZorQelString& out) const {
@@ -197,7 +248,7 @@ void ZorWBJsonValue::PrintScalar(ZorQelString& out) const {
             out.AppendInt(_boolean);
             break;
         case String:
-            out.AppendChar('"').Append(_string).AppendChar('"');
+            out.AppendChar('"').Append(_container->text).AppendChar('"');
             break;
         default:
             out.Append("ERROR");
@@ -215,7 +266,7 @@ bool ZorWBJsonValue::Print(ZorQelString& out) const {
 }
 
 void ZorWBJsonValue::PrintTree(ZorQelString& out) const {
-    if (!_container) {
+    if (_kind != Object && _kind != List) {
         PrintScalar(out);
         return;
     }
@@ -230,20 +281,28 @@ void ZorWBJsonValue::PrintTree(ZorQelString& out) const {
     out.AppendChar(_kind == Object ? '{' : '[');
     while (!stack.empty()) {
         Frame& frame = stack.back();
-        if (frame.next == frame.container->entries.size()) {
+        const ZorWBJsonContainer* container = frame.container;
+        std::size_t count = frame.isObject ? container->members.size() : container->items.size();
+        if (frame.next == count) {
             out.AppendChar(frame.isObject ? '}' : ']');
             stack.pop_back();
             continue;
         }
         if (frame.next > 0) out.AppendChar(',');
-        const ZorWBJsonEntry& entry = frame.container->entries[frame.next++];
-        if (frame.isObject) out.AppendChar('"').Append(entry.key).Append("\":");
-        const ZorWBJsonValue& value = entry.value;
-        if (value._container) {
-            out.AppendChar(value._kind == Object ? '{' : '[');
-            stack.push_back({value._container, value._kind == Object, 0});
+        const ZorWBJsonValue* value = nullptr;
+        if (frame.isObject) {
+            const ZorWBJsonMember& member = container->members[frame.next];
+            out.AppendChar('"').Append(member.key).Append("\":");
+            value = &member.value;
         } else {
-            value.PrintScalar(out);
+            value = &container->items[frame.next];
+        }
+        ++frame.next;
+        if (value->_kind == Object || value->_kind == List) {
+            out.AppendChar(value->_kind == Object ? '{' : '[');
+            stack.push_back({value->_container, value->_kind == Object, 0});
+        } else {
+            value->PrintScalar(out);
         }
     }
 }

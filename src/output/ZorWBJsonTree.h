@@ -23,11 +23,12 @@ class ZORWBX_API ZorWBJsonValue {
   public:
     enum Kind { Invalid, Integer, Real, Boolean, String, Object, List };
 
-    ZorWBJsonValue() = default;
+    ZorWBJsonValue() : _container(nullptr) {}
     explicit ZorWBJsonValue(int value) : _kind(Integer), _integer(value) {}
     explicit ZorWBJsonValue(double value) : _kind(Real), _real(value) {}
     explicit ZorWBJsonValue(bool value) : _kind(Boolean), _boolean(value ? 1 : 0) {}
-    explicit ZorWBJsonValue(const ZorQelString& value) : _kind(String), _string(value) {}
+    // Invalid when memory is short.
+    explicit ZorWBJsonValue(const ZorQelString& value);
     ZorWBJsonValue(const ZorWBJsonValue& other);
     ZorWBJsonValue& operator=(const ZorWBJsonValue& other);
     ~ZorWBJsonValue();
@@ -39,6 +40,8 @@ class ZORWBX_API ZorWBJsonValue {
     Kind GetKind() const { return _kind; }
     // Entries of a container (members of an object), 0 for other kinds.
     int GetNbOfEntries() const;
+    // How many entries the container has room for before it grows.
+    int GetRoom() const;
 
     // Inserts a member into an object at its sorted place; false for a
     // non-object or when memory is short.
@@ -58,20 +61,25 @@ class ZORWBX_API ZorWBJsonValue {
 
   private:
     explicit ZorWBJsonValue(ZorWBJsonContainer* container, Kind kind);
+    bool HoldsContainer() const;
+    void CopyPayload(const ZorWBJsonValue& other);
     void Release();
+    static void Detach(ZorWBJsonValue& value, ZorWBJsonContainer*& pending);
     // Whether adding value into target would close a cycle of containers,
     // which could then be neither released nor printed.
     static bool WouldMakeCycle(const ZorWBJsonContainer* target, const ZorWBJsonValue& value);
-    bool Insert(int position, const ZorQelString& key, const ZorWBJsonValue& value);
     void PrintScalar(ZorQelString& out) const;
     void PrintTree(ZorQelString& out) const;
 
+    // A value is 16 bytes: documents of a million nodes hold millions of
+    // them. Strings live in a shared container of their own.
     Kind _kind = Invalid;
-    int _integer = 0;
-    double _real = 0.0;
-    unsigned char _boolean = 0;
-    ZorQelString _string;
-    ZorWBJsonContainer* _container = nullptr;
+    union {
+        int _integer;
+        double _real;
+        unsigned char _boolean;
+        ZorWBJsonContainer* _container;
+    };
 };
 
 #endif
