@@ -51,14 +51,49 @@ ZorWBVarNode* ZorWBModel::CreateVariable(const ZorWBLocation& location, const Zo
     ZorWBVarNode* node = Own(new (std::nothrow) ZorWBVarNode(location, &_environment, name));
     if (!node) return nullptr;
     try {
-        _variablesByName[name.GetStdString()].push_back(node);
-        _variablesByPlace.emplace(Place{&node->GetName().GetStdString(), location}, node);
+        auto chain = _variablesByName.try_emplace(name.GetStdString(), NameChain{node, node, 0});
+        NameChain& nodes = chain.first->second;
+        if (!chain.second) nodes.last = nodes.last->_nextOfName = node;
+        ++nodes.count;
     } catch (...) {
         // The node stays owned but unlisted; the caller sees a failure.
         return nullptr;
     }
     ++_nbOfVariables;
+    int line = location.GetFirstLine(), column = location.GetFirstColumn();
+    if (line > _furthestLine || (line == _furthestLine && column > _furthestColumn)) {
+        _furthestLine = line;
+        _furthestColumn = column;
+    }
+    if (_placesIndexed) {
+        try {
+            _variablesByPlace.emplace(Place{&node->GetName().GetStdString(), location}, node);
+        } catch (...) {
+            _placesIndexed = false;  // built again on the next lookup
+            _variablesByPlace.clear();
+        }
+    }
     return node;
+}
+
+bool ZorWBModel::MayHoldPlace(const ZorWBLocation& location) const {
+    int line = location.GetFirstLine(), column = location.GetFirstColumn();
+    return line < _furthestLine || (line == _furthestLine && column <= _furthestColumn);
+}
+
+bool ZorWBModel::IndexPlaces() const {
+    if (_placesIndexed) return true;
+    try {
+        for (const auto& entry : _variablesByName) {
+            for (ZorWBVarNode* node = entry.second.first; node; node = node->_nextOfName)
+                _variablesByPlace.emplace(
+                    Place{&node->GetName().GetStdString(), node->GetLocation()}, node);
+        }
+        _placesIndexed = true;
+    } catch (...) {
+        _variablesByPlace.clear();
+    }
+    return _placesIndexed;
 }
 
 ZorWBOpNode* ZorWBModel::MakeOperator(const ZorWBLocation& location, ZorWBExpressionType type,
@@ -178,21 +213,29 @@ ZorWBEqNode* ZorWBModel::AddEquation(ZorWBNode* term) {
 
 ZorWBVarNode* ZorWBModel::GetVariable(const ZorQelString& name) const {
     auto it = _variablesByName.find(name.GetStdString());
-    return it == _variablesByName.end() ? nullptr : it->second.front();
+    return it == _variablesByName.end() ? nullptr : it->second.first;
 }
 
 ZorWBVarNode* ZorWBModel::GetVariable(const ZorQelString& name,
                                       const ZorWBLocation& location) const {
-    auto it = _variablesByPlace.find(Place{&name.GetStdString(), location});
-    return it == _variablesByPlace.end() ? nullptr : it->second;
+    if (!MayHoldPlace(location)) return nullptr;
+    if (IndexPlaces()) {
+        auto it = _variablesByPlace.find(Place{&name.GetStdString(), location});
+        return it == _variablesByPlace.end() ? nullptr : it->second;
+    }
+    // Without memory for the index: along the nodes of the name.
+    for (ZorWBVarNode* node = GetVariable(name); node; node = node->_nextOfName) {
+        if (node->GetLocation().Compare(location)) return node;
+    }
+    return nullptr;
 }
 
 int ZorWBModel::GetVariable(const ZorQelString& name, ZorQelArray<ZorWBVarNode*>& list) const {
-    auto it = _variablesByName.find(name.GetStdString());
-    if (it == _variablesByName.end()) return 0;
-    for (ZorWBVarNode* node : it->second)
+    ZorWBVarNode* first = GetVariable(name);
+    int count = 0;
+    for (ZorWBVarNode* node = first; node; node = node->_nextOfName, ++count)
         list.Add(node);
-    return static_cast<int>(it->second.size());
+    return count;
 }
 
 ZorWBEqNode* ZorWBModel::GetNextEquation(const ZorWBEqNode* equation) const {

@@ -161,6 +161,7 @@ class ZORWBX_API ZorWBVarNode : public ZorWBNode {
                  const ZorQelString& name);
 
     ZorQelString _name;
+    ZorWBVarNode* _nextOfName = nullptr;  // the next node of the same name
 };
 
 // An operator, a function, a comparison or a black-box call, over its

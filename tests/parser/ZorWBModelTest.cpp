@@ -5,13 +5,6 @@
 
 namespace {
 
-ZorWBNodeList List(std::initializer_list<ZorWBNode*> nodes) {
-    ZorWBNodeList list;
-    for (ZorWBNode* node : nodes)
-        list.Add(node);
-    return list;
-}
-
 // Counts the nodes of each class that a walk accepts.
 class CountingVisitor : public ZorWBVisitor {
   public:
@@ -73,6 +66,7 @@ TEST(ZorWBParserMessenger, CodesLocationsAndText) {
         ZorWBLocation where(i + 1, i, i + 1, i + 2);
         EXPECT_EQ(messenger.ReportError(&where, message), 0);
         EXPECT_EQ(messenger.GetString(), message);
+        EXPECT_EQ(messenger.GetMessage(i), message);
         int stored = 0;
         ZorWBLocation location;
         EXPECT_EQ(messenger.GetError(i, stored, location), 0);
@@ -90,6 +84,10 @@ TEST(ZorWBParserMessenger, CodesLocationsAndText) {
     EXPECT_TRUE(location.Compare(ZorWBLocation()));
     EXPECT_EQ(messenger.GetError(i + 1, code, location), static_cast<int>(0x80004005u));
     EXPECT_EQ(messenger.GetError(-1, code, location), static_cast<int>(0x80004005u));
+    EXPECT_EQ(messenger.GetMessage(i), "");
+    EXPECT_EQ(messenger.GetMessage(i + 1), "");
+    EXPECT_EQ(messenger.GetMessage(-1), "");
+    EXPECT_EQ(messenger.GetMessage(0), "syntax error, unexpected end of input");
 
     ZorQelIntArray codes;
     ZorQelArray<const ZorWBLocation*> locations;
@@ -139,6 +137,39 @@ TEST(ZorWBModel, EquationListAndIds) {
     ZorWBEqNode* foreign = other.AddEquation(other.CreateVariable(here, "y"));
     EXPECT_EQ(model.RemoveEquation(foreign), static_cast<int>(0x80004005u));
     EXPECT_NE(foreign, nullptr);
+}
+
+TEST(ZorWBModel, VariableNodesFoundByPlaceInAnyOrder) {
+    // A second text parsed into the same model reuses the nodes read at the
+    // same places, and only those.
+    ZorWBModel model;
+    ZorQelIntArray ids;
+    ZorWBParserMessenger messenger;
+    ZorWBParser::Parse("x + y;\nz;", model, ids, messenger);
+    ASSERT_EQ(model.GetNbOfVariables(), 3);
+    ZorWBParser::Parse("x + q;\nz + w;", model, ids, messenger);
+    EXPECT_EQ(model.GetNbOfVariables(), 5);  // x and z again, q and w new
+    ZorQelArray<ZorWBVarNode*> xs;
+    EXPECT_EQ(model.GetVariable("x", xs), 1);
+    EXPECT_EQ(model.GetEquationById(2)->GetLeftTerm()->GetChild(0), xs.Get(0));
+    EXPECT_EQ(model.GetEquationById(3)->GetLeftTerm()->GetChild(0), model.GetVariable("z"));
+    // Nodes made by hand in any order of places.
+    ZorWBModel byHand;
+    std::vector<ZorWBVarNode*> made;
+    for (int i = 0; i < 50; ++i) {
+        int line = (i * 37) % 11, column = (i * 13) % 7;
+        made.push_back(byHand.CreateVariable(ZorWBLocation(line, column, line, column + 1),
+                                             i % 2 ? "a" : "b"));
+        for (int k = 0; k <= i; ++k) {
+            const ZorWBLocation& place = made[k]->GetLocation();
+            ZorWBVarNode* found = byHand.GetVariable(made[k]->GetName(), place);
+            // The first node made at a place is the one found there.
+            EXPECT_TRUE(found && found->GetName() == made[k]->GetName() &&
+                        found->GetLocation().Compare(place));
+        }
+    }
+    EXPECT_EQ(byHand.GetVariable("a", ZorWBLocation(99, 0, 99, 1)), nullptr);
+    EXPECT_EQ(byHand.GetVariable("c", made[0]->GetLocation()), nullptr);
 }
 
 TEST(ZorWBModel, VariablesOperatorsAndParents) {
