@@ -8,6 +8,7 @@
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBVariable.h"
+#include "output/ZorWBEquationPrinter.h"
 #include "output/ZorWBValueText.h"
 
 namespace {
@@ -118,7 +119,8 @@ ZorQelString ZorWBEquations::FractionToName(const ZorWBFraction& fraction, int v
         ExprTypeToStringPrint(static_cast<ZorWBExpressionType>(FractionTypeNumber), version));
 }
 
-ZorQelString ZorWBEquations::ValueToString(const ZorWBValue& value, int /*version*/) {
+ZorQelString ZorWBEquations::ValueToString(const ZorWBValue& value, int version) {
+    if (version >= 1) return ZorWBEquationPrinter::PrintValue(value);
     return ZorWBValueText::Write(value, false);
 }
 

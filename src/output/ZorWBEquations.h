@@ -13,6 +13,7 @@
 #include "values/ZorWBFraction.h"
 #include "values/ZorWBValue.h"
 
+class ZorWBEquation;
 class ZorWBExpression;
 class ZorWBFactory;
 
@@ -28,7 +29,8 @@ class ZorWBFactory;
 //                    symbol ("=", "!=", "<=", "<", ">=", ">", "<minimize>",
 //                    "<maximize>", nothing when unset), a blank and the
 //                    root's term.
-//   "#!VALUES n"     per variable: its name, " = " and its value text.
+//   "#!VALUES n"     per variable: its name, " = " and its value text
+//                    (ValueToString at the writer's version).
 //   "#!SIMPLIFY n"   input part only: the names of the equations to
 //                    simplify; n counts the listed ids, also those that name
 //                    no equation and have no line.
@@ -132,7 +134,10 @@ class ZORWBX_API ZorWBEquations : public ZorQelOperator {
     // with a negative one in parentheses, "(-3)"; fractions by
     // FractionToName; intervals "[low, high]"; enumerations "{a, b}" with
     // their stored entries (nothing for any and nil); booleans "False", and
-    // "True" for every other state. From version 1 on: see the source.
+    // "True" for every other state. From version 1 on, the equation printer's
+    // text (ZorWBEquationPrinter::PrintValue): -3, 2.0, (1/2*Pi), [1, 2],
+    // {1 .. 9}, {any}, true, unknown, undefined, ... which keeps
+    // enumeration representations and the four Boolean states.
     static ZorQelString ValueToString(const ZorWBValue& value, int version);
     // "Pi", "DTOR", "RTOD" for 1/1·Pi, 1/180·Pi and 180/1·Pi^-1; otherwise
     // Frac(numerator, denominator) with ", power" before the ")" when the
@@ -163,7 +168,7 @@ class ZORWBX_API ZorWBEquations : public ZorQelOperator {
     static constexpr int FractionTypeNumber = 48;
 
   private:
-    ZorQelString EquationLine(class ZorWBEquation* equation, bool functional) const;
+    ZorQelString EquationLine(ZorWBEquation* equation, bool functional) const;
 
     ZorQelIntArray _listEqToSimplify;
     ZorWBFactory* _factory;

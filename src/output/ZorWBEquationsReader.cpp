@@ -284,12 +284,18 @@ class SystemReader {
             const std::string& line = lines[static_cast<std::size_t>(i)];
             ZorWBValue value;
             if (line.compare(0, prefix.size(), prefix) != 0 ||
-                !ZorWBValueText::Read(line.substr(prefix.size()),
-                                      _kinds[static_cast<std::size_t>(i)], value))
+                !ReadValue(line.substr(prefix.size()), _kinds[static_cast<std::size_t>(i)], value))
                 return false;
             variable->SetExprValue(value);
         }
         return true;
+    }
+
+    // Values are written in the older text below version 1, as the equation
+    // printer writes them from version 1 on.
+    bool ReadValue(const std::string& text, int kind, ZorWBValue& value) const {
+        if (_owner.GetVersion() >= 1) return ZorWBValueText::ReadPrinted(text, kind, value);
+        return ZorWBValueText::Read(text, kind, value);
     }
 
     // "eq" id symbol " " term.

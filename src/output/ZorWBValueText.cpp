@@ -1,5 +1,7 @@
 #include "output/ZorWBValueText.h"
 
+#include <limits>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -168,7 +170,163 @@ bool ReadAnyKind(const std::string& text, ZorWBValue& value) {
            ReadScalar(text, -1, value);
 }
 
+// ------------------------------------------------------------ printed forms
+
+bool ReadPrintedReal(const std::string& text, double& real) {
+    if (text == "1e999" || text == "-1e999") {
+        real = (text[0] == '-' ? -1 : 1) * std::numeric_limits<double>::infinity();
+        return true;
+    }
+    if (text == "(0.0 / 0.0)") {
+        real = std::numeric_limits<double>::quiet_NaN();
+        return true;
+    }
+    return ZorQelString::ParseDouble(text.c_str(), real);
+}
+
+template <class Number>
+bool ReadPrintedNumber(const std::string& text, Number& number) {
+    if constexpr (std::is_same_v<Number, double>)
+        return ReadPrintedReal(text, number);
+    else
+        return ZorQelString::ParseInt(text.c_str(), number);
+}
+
+// (n[/d][*Pi[^p]]), or Pi.
+bool ReadPrintedFraction(const std::string& text, ZorWBFraction& fraction) {
+    if (text == "Pi") {
+        fraction = ZorWBCreateFraction(1, 1, 1, 0);
+        return true;
+    }
+    if (text.size() < 3 || text.front() != '(' || text.back() != ')') return false;
+    std::string inside = text.substr(1, text.size() - 2);
+    ZorWBFraction read{0, 1, 0};
+    std::size_t pi = inside.find("*Pi");
+    if (pi != std::string::npos) {
+        std::string power = inside.substr(pi + 3);
+        read.power = 1;
+        if (!power.empty() &&
+            (power[0] != '^' || !ZorQelString::ParseInt(power.c_str() + 1, read.power)))
+            return false;
+        inside.resize(pi);
+    }
+    std::size_t slash = inside.find('/');
+    if (slash != std::string::npos) {
+        if (!ZorQelString::ParseInt(inside.c_str() + slash + 1, read.denominator)) return false;
+        inside.resize(slash);
+    }
+    if (!ZorQelString::ParseInt(inside.c_str(), read.numerator)) return false;
+    fraction = read;
+    return true;
+}
+
+template <class Enumeration, class Number>
+bool ReadPrintedEnumeration(const std::string& text, Enumeration& enumeration) {
+    if (text == "{any}" || text == "{}") {
+        enumeration.Reset(text == "{}" ? ZorWBEnumNil : ZorWBEnumAny);
+        return true;
+    }
+    std::size_t range = text.find(" .. ");
+    if (range != std::string::npos) {
+        Number low, high;
+        if (text.front() != '{' || text.back() != '}' ||
+            !ReadPrintedNumber(text.substr(1, range - 1), low) ||
+            !ReadPrintedNumber(text.substr(range + 4, text.size() - range - 5), high))
+            return false;
+        enumeration.Reset(ZorWBEnumList);
+        if constexpr (std::is_same_v<Number, double>)
+            enumeration.SetAsRealInterval({low, high});
+        else
+            enumeration.SetAsIntegerInterval({low, high});
+        return true;
+    }
+    std::vector<std::string> items;
+    if (!SplitEnclosed(text, '{', '}', items)) return false;
+    enumeration.Reset(ZorWBEnumList);
+    for (const std::string& item : items) {
+        Number element;
+        if (!ReadPrintedNumber(item, element) || !enumeration.Append(element)) return false;
+    }
+    return true;
+}
+
+template <class Number, class Interval>
+bool ReadPrintedInterval(const std::string& text, ZorWBValue& value) {
+    std::vector<std::string> items;
+    Number low, high;
+    if (!SplitEnclosed(text, '[', ']', items) || items.size() != 2 ||
+        !ReadPrintedNumber(items[0], low) || !ReadPrintedNumber(items[1], high))
+        return false;
+    value.Set(Interval{low, high});
+    return true;
+}
+
+bool ReadPrintedBoolean(const std::string& text, ZorWBValue& value) {
+    static const char* const names[] = {"false", "true", "unknown", "empty"};
+    for (int state = 0; state < 4; ++state) {
+        if (text == names[state]) {
+            value.Set(static_cast<ZorWBBoolean>(state));
+            return true;
+        }
+    }
+    return false;
+}
+
 }  // namespace
+
+bool ZorWBValueText::ReadPrinted(const ZorQelString& text, int kind, ZorWBValue& value) {
+    const std::string& printed = text.GetStdString();
+    ZorWBValue read;
+    bool ok = false;
+    switch (kind) {
+        case ZorWBUndefinedType:
+            ok = printed == "undefined";
+            break;
+        case ZorWBIntegerType: {
+            int integer = 0;
+            ok = ZorQelString::ParseInt(printed.c_str(), integer);
+            read.Set(integer);
+            break;
+        }
+        case ZorWBRealType: {
+            double real = 0.0;
+            ok = ReadPrintedReal(printed, real);
+            read.Set(real);
+            break;
+        }
+        case ZorWBIntegerIntervalType:
+            ok = ReadPrintedInterval<int, ZorWBIntegerInterval>(printed, read);
+            break;
+        case ZorWBRealIntervalType:
+            ok = ReadPrintedInterval<double, ZorWBRealInterval>(printed, read);
+            break;
+        case ZorWBIntegerEnumType: {
+            ZorWBIntegerEnum enumeration;
+            ok = ReadPrintedEnumeration<ZorWBIntegerEnum, int>(printed, enumeration);
+            read.Set(enumeration);
+            break;
+        }
+        case ZorWBRealEnumType: {
+            ZorWBRealEnum enumeration;
+            ok = ReadPrintedEnumeration<ZorWBRealEnum, double>(printed, enumeration);
+            read.Set(enumeration);
+            break;
+        }
+        case ZorWBBooleanType:
+            ok = ReadPrintedBoolean(printed, read);
+            break;
+        case ZorWBFractionType: {
+            ZorWBFraction fraction;
+            ok = ReadPrintedFraction(printed, fraction);
+            if (ok) read.Set(fraction);
+            break;
+        }
+        default:
+            break;
+    }
+    if (ok) value = read;
+    return ok;
+}
 
 ZorQelString ZorWBValueText::WriteFraction(const ZorWBFraction& fraction,
                                            const ZorQelString& head) {

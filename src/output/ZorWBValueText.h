@@ -32,6 +32,12 @@ class ZORWBX_API ZorWBValueText {
     static bool ReadNumber(const ZorQelString& text, bool& isInteger, int& integer, double& real);
     // Reads Pi, DTOR, RTOD or Frac(n, d[, p]) (any letter case of "Frac").
     static bool ReadFraction(const ZorQelString& text, ZorWBFraction& fraction);
+
+    // Reads a value of the given kind as the equation printer writes it
+    // (ZorWBEquationPrinter::PrintValue): "undefined", 42, 2.0, 1e999,
+    // (0.0 / 0.0), Pi, (1/2*Pi), (180*Pi^-1), [low, high], {a, b},
+    // {low .. high}, {any}, {}, true, false, unknown, empty.
+    static bool ReadPrinted(const ZorQelString& text, int kind, ZorWBValue& value);
 };
 
 #endif
