@@ -219,7 +219,9 @@ WBx2JSON::WBx2JSON(const ZorWBFactory& factory)
     : _versionOfStream(GetVersionOfStreamDefault()), _factory(&factory) {}
 
 void WBx2JSON::Append(const ZorWBExpression* e) {
-    if (!e) return;
+    // Tags name nodes only within their factory: an expression of another
+    // factory would be written as whatever nodes of this one share its tags.
+    if (!e || e->GetFactory() != _factory) return;
     try {
         if (_rootTagSet.insert(e->GetTag()).second) _rootTags.Add(e->GetTag());
     } catch (const std::bad_alloc&) {

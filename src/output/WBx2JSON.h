@@ -35,8 +35,8 @@ class ZORWBX_API WBx2JSON {
     WBx2JSON& operator=(const WBx2JSON&) = default;
     virtual ~WBx2JSON() = default;
 
-    // Adds e to the roots (once) and its graph to the nodes to write; null
-    // is ignored.
+    // Adds e to the roots (once) and its graph to the nodes to write; null,
+    // and an expression of another factory, are ignored.
     void Append(const ZorWBExpression* e);
 
     int GetVersionOfStream() const { return _versionOfStream; }

@@ -65,8 +65,10 @@ TEST(WBx2JSON, DocumentOfOneIntegerConstant) {
 
 TEST(WBx2JSON, NothingAppendedFailsAndLeavesTheStringAlone) {
     ZorWBFactory factory;
+    ZorWBFactory other;
     TestWriter writer(factory);
     writer.Append(nullptr);
+    writer.Append(other.CreateVariable());
     ZorQelString text("kept");
     EXPECT_EQ(writer.WriteToString(text), 0);
     EXPECT_EQ(text.GetStdString(), "kept");
