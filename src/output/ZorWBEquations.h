@@ -34,7 +34,7 @@ class ZorWBFactory;
 //   "#!SIMPLIFY n"   input part only: the names of the equations to
 //                    simplify; n counts the listed ids, also those that name
 //                    no equation and have no line.
-// Sections that would be empty are not written.
+// A section is left out when it has nothing to count.
 //
 // Terms (CreateTerm) are written in the functional form Name(child, ...):
 //   variable              its name
@@ -52,8 +52,8 @@ class ZorWBFactory;
 // in the factory and, when missing, declared as an internal ZorWBBBx of that
 // name (which evaluates to NaN until the host replaces it).
 //
-// Names that contain ";", line ends, blanks, commas or brackets, and
-// variables named like a constant text, do not read back.
+// Names that contain ";", line ends, commas or brackets, that begin or end
+// with a blank, and variables named like a constant text, do not read back.
 class ZORWBX_API ZorWBEquations : public ZorQelOperator {
   public:
     ZorWBEquations(ZorWBFactory& factory, ZorQelStorage::ReplayPart part, int version);
