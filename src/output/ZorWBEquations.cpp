@@ -245,11 +245,10 @@ ZorQelExpressionTerm* MakeNodeTerm(const ZorWBFactory& factory, const ZorWBExpre
         ZorQelString name = ZorWBEquations::FractionToName(value.GetAsFraction(), version);
         return ZorQelExpressionTerm::Parse(name);
     }
-    if (!ZorWBGetExpressionTypeInfo(type) ||
-        ZorWBGetExpressionTypeInfo(type)->family == ZorWBNodeFamily::NoNode)
-        return nullptr;
+    const ZorWBExpressionTypeInfo* info = ZorWBGetExpressionTypeInfo(type);
+    if (!info || info->family == ZorWBNodeFamily::NoNode) return nullptr;
     ZorQelString symbol;
-    if (!functional && ZorWBGetExpressionTypeInfo(type)->printName[0] != '\0')
+    if (!functional && info->printName[0] != '\0')
         symbol = ZorWBEquations::ExprTypeToStringPrint(type, version);
     return ZorQelExpressionTerm::CreateOperator(
         ZorWBEquations::ExprTypeToStringParse(type, version), symbol);

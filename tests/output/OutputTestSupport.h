@@ -271,14 +271,13 @@ class RandomSystem {
                 node = f.CreateIntegrateOperator(a, b);
                 break;
             case 10: {
-                if (blackBoxes.empty()) {
-                    blackBoxes.push_back(new SumBlackBox("f"));
-                    blackBoxes.push_back(new SumBlackBox("g"));
-                }
+                // A black box is made at its first call, which hands it to
+                // the factory (internal).
+                int which = Index(2);
+                ZorWBBlackBox*& blackBox = _blackBoxes[which];
+                if (!blackBox) blackBox = new SumBlackBox(which == 0 ? "f" : "g");
                 ZorWBExpression* operands[] = {a, b};
-                // Internal: the factory owns them.
-                node = f.DeclareBlackBox(blackBoxes[static_cast<std::size_t>(Index(2))], Index(3),
-                                         operands, true);
+                node = f.DeclareBlackBox(blackBox, Index(3), operands, true);
                 break;
             }
             default:
@@ -316,13 +315,13 @@ class RandomSystem {
     }
 
     std::vector<ZorWBVariable*> variables;
-    std::vector<ZorWBBlackBox*> blackBoxes;
     ZorQelIntArray simplify;
 
   private:
     ZorWBFactory& _factory;
     std::mt19937 _random;
     std::vector<ZorWBExpression*> _nodes;
+    ZorWBBlackBox* _blackBoxes[2] = {};
 };
 
 #endif

@@ -251,7 +251,6 @@ TEST(WBx2JSON, OperatorMembers) {
                         "\"BBxNameFlag\":1,\"OpChildren\":[" +
                         T(x) + "," + T(x) + "],\"Tag\":" + T(call) + ",\"Type\":44}"),
               std::string::npos);
-    SumBlackBox unnamed("");
     ZorWBBBx* defaultNamed = new ZorWBBBx();
     ZorWBExpression* empty = factory.DeclareBlackBox(defaultNamed, 0, nullptr, true);
     std::string name = static_cast<ZorWBBlackBoxOperator*>(empty)->GetBlackBoxName().GetString();
