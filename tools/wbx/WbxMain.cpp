@@ -19,6 +19,12 @@ const WbxCommand Commands[] = {
      "evaluates every equation and tells whether its relation holds", WbxEvalCommand},
     {"diff", "wbx diff FILE --wrt NAME",
      "prints the derivative of every equation root with respect to a variable", WbxDiffCommand},
+    {"json", "wbx json FILE [--version N] [-o OUT]",
+     "writes the equation roots as one JSON document (stream version 0 to 3)", WbxJsonCommand},
+    {"graph", "wbx graph FILE [--values] [--out DIR | --dot]",
+     "dumps the graph of every equation as .WBGraph files, or as Graphviz DOT", WbxGraphCommand},
+    {"replay-write", "wbx replay-write FILE -o OUT [--version N]",
+     "writes the equation system's replay sections (input part)", WbxReplayWriteCommand},
 };
 
 int ShowHelp(WbxContext& context) {

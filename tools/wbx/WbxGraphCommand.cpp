@@ -1,0 +1,139 @@
+// wbx graph FILE [--values] [--out DIR]: the graph dump of every equation of
+// a model, one ".WBGraph" file each (ZorWBFactoryGraph), with the current
+// values in the labels when --values is given.
+//
+// The files are named LOG_MODEL_E0.WBGraph, LOG_MODEL_E1.WBGraph, ... in
+// equation order: LOG is the log name of the environment variable
+// "VTS_LOG_NAME", "wbx" when it is not set; MODEL is the model file's name
+// without its extension. They go into DIR, else into the directory of the
+// environment variable "QRM_VTS_OUT", else into the current directory. The
+// tool sets both variables for the dump and puts them back afterwards; it
+// prints the path of each file written, one a line.
+//
+// wbx graph FILE --dot [--values]: the same graph, all equations in one
+// Graphviz digraph, on standard output (render it with "dot -Tsvg").
+//
+// Exit status: 0; 1 when the model holds no equation; 2 for a bad command
+// line, a file that cannot be read or has diagnostics, or a directory that
+// cannot be written.
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "WbxCommand.h"
+#include "WbxModelFile.h"
+#include "output/ZorWBFactoryGraph.h"
+#include "qel/ZorQelGetEnv.h"
+
+namespace {
+
+struct Options {
+    std::string path;
+    std::string directory;
+    bool values = false;
+    bool dot = false;
+};
+
+int ReadOptions(WbxContext& context, Options& options) {
+    const std::vector<std::string>& arguments = context.arguments;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        if (argument == "--values") {
+            options.values = true;
+        } else if (argument == "--dot") {
+            options.dot = true;
+        } else if (argument == "--out") {
+            if (i + 1 == arguments.size()) return WbxUsageError(context, "--out needs a DIR");
+            options.directory = arguments[++i];
+        } else if (argument.rfind("--", 0) == 0 || !options.path.empty()) {
+            return WbxUsageError(context, "unexpected argument '" + argument + "'");
+        } else {
+            options.path = argument;
+        }
+    }
+    if (options.path.empty()) return WbxUsageError(context, "graph needs a FILE");
+    if (options.dot && !options.directory.empty())
+        return WbxUsageError(context, "--dot writes on standard output: no --out with it");
+    return WbxExit::Success;
+}
+
+void SetEnvironment(const char* name, const std::string& value, bool set) {
+#if defined(_WIN32)
+    _putenv_s(name, set ? value.c_str() : "");
+#else
+    if (set)
+        setenv(name, value.c_str(), 1);
+    else
+        unsetenv(name);
+#endif
+}
+
+// Sets an environment variable for the life of the object.
+class ScopedEnvironment {
+  public:
+    ScopedEnvironment(const char* name, const std::string& value) : _name(name) {
+        const char* old = std::getenv(name);
+        _had = old != nullptr;
+        if (_had) _old = old;
+        SetEnvironment(name, value, true);
+    }
+    ~ScopedEnvironment() { SetEnvironment(_name, _old, _had); }
+    ScopedEnvironment(const ScopedEnvironment&) = delete;
+    ScopedEnvironment& operator=(const ScopedEnvironment&) = delete;
+
+  private:
+    const char* _name;
+    std::string _old;
+    bool _had = false;
+};
+
+std::string OrDefault(const ZorQelString& value, const char* fallback) {
+    return value.IsEmpty() ? fallback : value.GetString();
+}
+
+int WriteFiles(WbxContext& context, const Options& options, ZorWBFactory& factory) {
+    std::string directory =
+        options.directory.empty() ? OrDefault(ZorQelGetEnv("QRM_VTS_OUT"), ".") : options.directory;
+    std::error_code error;
+    if (!std::filesystem::is_directory(directory, error))
+        return WbxUsageError(context, "cannot write in '" + directory + "': not a directory");
+    ScopedEnvironment out("QRM_VTS_OUT", directory);
+    ScopedEnvironment log("VTS_LOG_NAME", OrDefault(ZorQelGetEnv("VTS_LOG_NAME"), "wbx"));
+    std::string model = std::filesystem::path(options.path).stem().string();
+    // The files to expect; old ones are removed first, so that a file seen
+    // afterwards is one this dump wrote.
+    std::vector<std::string> files;
+    for (int i = 0; i < factory.GetNbOfEquations(); ++i) {
+        ZorQelString name(model);
+        name.Append("_E").AppendInt(i);
+        files.push_back(ZorWBFactoryGraph(factory.GetEquation(i), name).GetFilePath().GetString());
+        std::filesystem::remove(files.back(), error);
+    }
+    ZorWBFactoryGraph(&factory, model).GenerateWBTreeFile(options.values);
+    for (const std::string& file : files) {
+        if (!std::filesystem::exists(file, error))
+            return WbxUsageError(context, "cannot write '" + file + "'");
+        context.out << file << "\n";
+    }
+    return WbxExit::Success;
+}
+
+}  // namespace
+
+int WbxGraphCommand(WbxContext& context) {
+    Options options;
+    if (ReadOptions(context, options) != WbxExit::Success) return WbxExit::Usage;
+    WbxModelFile file;
+    if (file.Load(context, options.path) != WbxExit::Success) return WbxExit::Usage;
+    ZorWBFactory& factory = file.GetFactory();
+    if (factory.GetNbOfEquations() == 0) {
+        context.err << "wbx: '" << options.path << "' holds no equation to draw\n";
+        return WbxExit::Failure;
+    }
+    if (!options.dot) return WriteFiles(context, options, factory);
+    ZorQelStream stream;
+    stream.OpenMemory();
+    ZorWBFactoryGraph(&factory).WriteDot(stream, options.values);
+    context.out << stream.GetText();
+    return WbxExit::Success;
+}
