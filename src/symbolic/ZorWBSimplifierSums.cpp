@@ -61,16 +61,33 @@ Term ZorWBSimplifierEngine::Split(ZorWBExpression* term, const ZorWBValue& scale
         return result;
     }
     int n = body->GetNbOfChildren();
-    const ZorWBValue* leading =
-        body->GetType() == Type::Product && n >= 2 ? ConstantValue(body->GetChild(0)) : nullptr;
+    const ZorWBValue* numerator =
+        body->GetType() == Type::Quotient && n == 2 ? ConstantValue(body->GetChild(0)) : nullptr;
     ZorWBValue scaled;
-    if (leading && IsNumeric(*leading) &&
-        Arithmetic::Product(environment, result.coefficient, *leading, scaled)) {
-        result.coefficient = scaled;
-        for (int i = 1; i < n; ++i)
-            result.factors.push_back(body->GetChild(i));
-    } else {
+    if (numerator && IsNumeric(*numerator) && !IsOne(*numerator) &&
+        Arithmetic::Product(environment, result.coefficient, *numerator, scaled)) {
+        // c / b is the term c times 1/b, so that 2/x and 3/x meet.
+        ZorWBExpression* inverse = _factory.CreateQuotient(_factory.GetOne(), body->GetChild(1));
+        if (inverse) {
+            result.coefficient = scaled;
+            result.factors.push_back(inverse);
+            result.node = unscaled ? term : nullptr;
+            return result;
+        }
+    }
+    if (body->GetType() != Type::Product || n < 2) {
         result.factors.push_back(body);
+    } else {
+        // A product's factors, after its leading numeric coefficient.
+        const ZorWBValue* leading = ConstantValue(body->GetChild(0));
+        int first = 0;
+        if (leading && IsNumeric(*leading) &&
+            Arithmetic::Product(environment, result.coefficient, *leading, scaled)) {
+            result.coefficient = scaled;
+            first = 1;
+        }
+        for (int i = first; i < n; ++i)
+            result.factors.push_back(body->GetChild(i));
     }
     result.node = unscaled ? term : nullptr;
     return result;
@@ -82,6 +99,13 @@ ZorWBExpression* ZorWBSimplifierEngine::MakeTerm(const Term& term) {
     if (IsOne(term.coefficient)) return MakeNary(Type::Product, term.factors);
     ZorWBExpression* coefficient = MakeConstant(term.coefficient);
     if (!coefficient) return nullptr;
+    const ZorWBExpression* single = term.factors.size() == 1 ? term.factors.front() : nullptr;
+    const ZorWBValue* numerator = single && single->GetType() == Type::Quotient
+                                      ? ConstantValue(single->GetChild(0))
+                                      : nullptr;
+    if (numerator && numerator->IsAKindOf(ZorWBIntegerType) && numerator->GetAsInteger() == 1)
+        return _factory.CreateQuotient(coefficient,
+                                       const_cast<ZorWBExpression*>(single)->GetChild(1));
     Nodes children{coefficient};
     children.insert(children.end(), term.factors.begin(), term.factors.end());
     return MakeNary(Type::Product, children);

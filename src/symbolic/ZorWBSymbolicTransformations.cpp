@@ -9,6 +9,7 @@
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBGraphWalk.h"
+#include "output/ZorWBEquations.h"
 #include "qel/ZorQelGlobalParameters.h"
 #include "symbolic/ZorWBNodeRebuild.h"
 #include "symbolic/ZorWBSymbolicTransformationsNew.h"
@@ -169,6 +170,25 @@ ZorWBExpression* ZorWBSymbolicTransformations::Binarise(ZorWBExpression* root,
         });
 } catch (const std::exception&) {
     return root;
+}
+
+// ------------------------------------------------------------ replay
+
+void ZorWBSymbolicTransformations::AddSystemSections(ZorQelStream& stream,
+                                                     ZorQelStorage::ReplayPart part,
+                                                     const ZorQelIntArray* equationsToSimplify) {
+    ZorWBEquations system(_factory, part, _CurrentStreamVersion);
+    if (equationsToSimplify) system.SetListEqToSimplify(*equationsToSimplify);
+    system.Write(stream, true);
+}
+
+void ZorWBSymbolicTransformations::WriteInputSections(ZorQelStream& stream,
+                                                      const ZorQelIntArray* equationsToSimplify) {
+    ZorQelOperator::WriteInput(stream);
+    AddSystemSections(stream, ZorQelStorage::InputPart, equationsToSimplify);
+    stream.GetStorage().AddSection("#!MODE", ZorQelString::FromInt(_mode), "",
+                                   ZorQelStorage::InputPart, ZorQelStorage::AppendSection);
+    stream.WriteSections(ZorQelStorage::InputPart);
 }
 
 // ------------------------------------------------------------ trace

@@ -3,7 +3,9 @@
 
 #include "ZorWBxExport.h"
 #include "expressions/ZorWBExpression.h"
+#include "qel/ZorQelArray.h"
 #include "qel/ZorQelOperator.h"
+#include "qel/ZorQelStorage.h"
 #include "qel/ZorQelString.h"
 
 class ZorWBFactory;
@@ -79,6 +81,13 @@ class ZORWBX_API ZorWBSymbolicTransformations : public ZorQelOperator {
     // With keepIfThenElse, IfThenElse nodes are left alone; a type that has
     // no two-child form (IfThenElse, Round, black boxes) stays as it is.
     ZorWBExpression* Binarise(ZorWBExpression* root, bool keepIfThenElse);
+
+    // Replay: adds the equation system of the factory as sections of one
+    // part (with the list of equations to simplify for the input part).
+    void AddSystemSections(ZorQelStream& stream, ZorQelStorage::ReplayPart part,
+                           const ZorQelIntArray* equationsToSimplify);
+    // Writes the base input sections, the system and "#!MODE".
+    void WriteInputSections(ZorQelStream& stream, const ZorQelIntArray* equationsToSimplify);
 
     // The transformation trace: its level and its output.
     static int TraceLevel();

@@ -143,9 +143,16 @@ void ZorWBSymbolicTransformationsNew::CheckInequalities() {
 }
 
 void ZorWBSymbolicTransformationsNew::WriteInput(ZorQelStream& stream) {
-    ZorWBSymbolicTransformations::WriteInput(stream);
+    WriteInputSections(stream, &_equationsToSimplify);
 }
 
 void ZorWBSymbolicTransformationsNew::WriteOutput(ZorQelStream& stream) {
     ZorWBSymbolicTransformations::WriteOutput(stream);
+    if (_mode & CheckInequalitiesMode) {
+        stream.GetStorage().AddSection("#!INCONSISTENCIES",
+                                       _inconsistencyFound ? "FOUND" : "NOTFOUND", "",
+                                       ZorQelStorage::OutputPart, ZorQelStorage::AppendSection);
+    }
+    AddSystemSections(stream, ZorQelStorage::OutputPart, nullptr);
+    stream.WriteSections(ZorQelStorage::OutputPart);
 }

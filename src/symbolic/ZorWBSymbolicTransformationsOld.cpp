@@ -88,9 +88,11 @@ void ZorWBSymbolicTransformationsOld::ReleaseEliminationArrays() {
 }
 
 void ZorWBSymbolicTransformationsOld::WriteInput(ZorQelStream& stream) {
-    ZorWBSymbolicTransformations::WriteInput(stream);
+    WriteInputSections(stream, nullptr);
 }
 
 void ZorWBSymbolicTransformationsOld::WriteOutput(ZorQelStream& stream) {
     ZorWBSymbolicTransformations::WriteOutput(stream);
+    AddSystemSections(stream, ZorQelStorage::OutputPart, nullptr);
+    stream.WriteSections(ZorQelStorage::OutputPart);
 }
