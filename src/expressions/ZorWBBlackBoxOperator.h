@@ -22,8 +22,13 @@ class ZORWBX_API ZorWBBlackBoxOperator : public ZorWBOperator {
     // "BBx" followed by the node's serial number ("BBx" alone for null).
     static ZorQelString GetDefaultBlackBoxName(const ZorWBBlackBoxOperator* node);
 
-    // The evaluated value of argument i (undefined outside the arguments).
+    // The evaluated value of argument i (undefined outside the arguments);
+    // during CallWith, the value given for it.
     const ZorWBValue& GetArgumentValue(int i) const;
+    // Calls bb as if from this node, on arguments[j] for each argument j
+    // (one value per argument) instead of the arguments' own values: how a
+    // derivative black box calls its primitive at moved points.
+    double CallWith(ZorWBBlackBox* bb, const ZorWBValue* arguments) const;
 
   protected:
     friend class ZorWBFactory;
@@ -49,6 +54,8 @@ class ZORWBX_API ZorWBBlackBoxOperator : public ZorWBOperator {
 
     ZorWBBlackBox* _blackBox;
     int _serialNumber;
+    // The argument values of the running CallWith, if any.
+    mutable const ZorWBValue* _givenArguments = nullptr;
 };
 
 #endif

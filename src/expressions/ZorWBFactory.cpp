@@ -58,6 +58,7 @@ void ZorWBFactory::BlackBoxDeletion() {
         if (bb && bb->IsInternal()) delete bb;
     }
     _blackBoxes.RemoveAll();
+    _derivBlackBoxes.RemoveAll();
 }
 
 // ------------------------------------------------------------ registration

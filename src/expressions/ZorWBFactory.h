@@ -18,8 +18,13 @@
 #include "values/ZorWBValue.h"
 
 class ZorWBBlackBoxOperator;
+class ZorWBCalculusSession;
+class ZorWBDerivBlackBox;
 class ZorWBEquation;
 class ZorWBOperator;
+class ZorWBSegmentFunction;
+class ZorWBSegmentFunctionDataPt;
+class ZorWBSegmentFunctionInterval;
 
 using ZorQelListPZorWBExpression = ZorQelArray<ZorWBExpression*>;
 using ZorQelListPZorWBEquation = ZorQelArray<ZorWBEquation*>;
@@ -286,14 +291,88 @@ class ZORWBX_API ZorWBFactory {
     ZorWBExpression* CreateQuadraticTerm(double a, double b, double c, ZorWBVariable* x);
     ZorWBExpression* CreatePolynomialTerm(int degree, const double* coefficients, ZorWBVariable* x);
 
-    // Derivatives and antiderivatives.
+    // ------------------------------------------------------------ calculus
+    // The derivative of e by x: null when e or x is null, the shared Zero
+    // when e is constant, else e->Differentiate(x). Each node of e is
+    // differentiated once per call and the terms reuse e's own nodes, so the
+    // result grows with the size of e's graph, however much it is shared.
     ZorWBExpression* CreateDerivative(ZorWBExpression* e, ZorWBVariable* x);
+    // The derivative by xs[0], then xs[1], ... (each step as above): null
+    // when e or xs is null or a step gives null; e itself when n < 1.
     ZorWBExpression* CreateDerivative(ZorWBExpression* e, int n, ZorWBVariable** xs);
+    // An antiderivative of e by x from the integration table; done tells
+    // whether one was found (else the result is the node Integrate(e, x)).
     ZorWBExpression* CreateAntiDerivative(ZorWBExpression* e, ZorWBVariable* x, bool& done);
+    // Integrates by xs[0], then xs[1], ...; stops at the first step that
+    // finds no antiderivative (done false) and gives that step's result.
     ZorWBExpression* CreateAntiDerivative(ZorWBExpression* e, int n, ZorWBVariable** xs,
                                           bool& done);
+    // The definite integral of e by x from low to high (see
+    // ZorWBExpression::Integrate with bounds).
     ZorWBExpression* CreateAntiDerivative(ZorWBExpression* e, ZorWBVariable* x, ZorWBValue& low,
                                           ZorWBValue& high, bool& done);
+
+    // ------------------------------------------------------------ segment functions
+    // The segment function sf applied to x, as nested IfThenElse nodes: the
+    // piece of the interval that holds x, and Indefinite left of the first
+    // point, right of the last one and in gaps between intervals. A point on
+    // an inner boundary belongs to the earlier interval. Null when x is null
+    // or an interval has an unknown interpolation type; the Indefinite
+    // constant for an empty sf (which, from the level
+    // ZorWBLevel::EmptySegmentNoBuffer on, also makes x unbuffered). Its
+    // derivative is that of the piece inside an interval, and 0 where the
+    // value is indefinite (the Indefinite constant is a constant).
+    ZorWBExpression* CreateSegmentFunction(ZorWBExpression* x, const ZorWBSegmentFunction& sf);
+
+    // Interpolating polynomials; every argument is an expression, and a null
+    // one gives null. t runs over [0, 1]; x between the given abscissas.
+    //   LinearInterpolation01(t, y0, y1)     y0 + (y1 - y0) t
+    //   LinearInterpolation2P(x, x0, y0, x1, y1)
+    //                                        the line through (x0, y0) and
+    //                                        (x1, y1): LinearInterpolation01
+    //                                        at t = (x - x0) / (x1 - x0)
+    //   QuadraticInterpolation3P(x, x0, y0, x1, y1, x2, y2)
+    //                                        the parabola through the three
+    //                                        points, in Lagrange form
+    //   CubicInterpolation01(t, y0, y1, d0, d1)
+    //                                        the cubic Hermite polynomial with
+    //                                        values y0, y1 and slopes d0, d1
+    //                                        at t = 0 and 1, in Horner form
+    //                                        y0 + t (d0 + t (c2 + t c3)) with
+    //                                        c2 = 3 (y1 - y0) - 2 d0 - d1 and
+    //                                        c3 = 2 (y0 - y1) + d0 + d1
+    //   CubicInterpolation4P(x, x0, y0, x1, y1, x2, y2, x3, y3)
+    //                                        the cubic through the four
+    //                                        points, in Lagrange form
+    //   CubicInterpolation2P2D(x, x0, y0, x1, y1, d0, d1)
+    //                                        the cubic Hermite polynomial with
+    //                                        values y0, y1 and slopes d0, d1 at
+    //                                        x0, x1: CubicInterpolation01 at
+    //                                        t = (x - x0) / (x1 - x0), with the
+    //                                        slopes scaled by x1 - x0
+    // Equal abscissas make the quotients divide by zero (evaluation then
+    // reports a domain error).
+    ZorWBExpression* CreateLinearInterpolation01(ZorWBExpression* t, ZorWBExpression* y0,
+                                                 ZorWBExpression* y1);
+    ZorWBExpression* CreateLinearInterpolation2P(ZorWBExpression* x, ZorWBExpression* x0,
+                                                 ZorWBExpression* y0, ZorWBExpression* x1,
+                                                 ZorWBExpression* y1);
+    ZorWBExpression* CreateQuadraticInterpolation3P(ZorWBExpression* x, ZorWBExpression* x0,
+                                                    ZorWBExpression* y0, ZorWBExpression* x1,
+                                                    ZorWBExpression* y1, ZorWBExpression* x2,
+                                                    ZorWBExpression* y2);
+    ZorWBExpression* CreateCubicInterpolation01(ZorWBExpression* t, ZorWBExpression* y0,
+                                                ZorWBExpression* y1, ZorWBExpression* d0,
+                                                ZorWBExpression* d1);
+    ZorWBExpression* CreateCubicInterpolation4P(ZorWBExpression* x, ZorWBExpression* x0,
+                                                ZorWBExpression* y0, ZorWBExpression* x1,
+                                                ZorWBExpression* y1, ZorWBExpression* x2,
+                                                ZorWBExpression* y2, ZorWBExpression* x3,
+                                                ZorWBExpression* y3);
+    ZorWBExpression* CreateCubicInterpolation2P2D(ZorWBExpression* x, ZorWBExpression* x0,
+                                                  ZorWBExpression* y0, ZorWBExpression* x1,
+                                                  ZorWBExpression* y1, ZorWBExpression* d0,
+                                                  ZorWBExpression* d1);
 
     // ------------------------------------------------------------ black boxes
     // A node calling bb with the n arguments (null when bb is null, or args
@@ -311,6 +390,13 @@ class ZORWBX_API ZorWBFactory {
     int GetNbOfBlackBoxes() const { return _blackBoxes.GetSize(); }
     ZorWBBlackBox* GetBlackBox(int i) const { return _blackBoxes.Get(i); }
     int GetBlackBoxCount() const { return _blackBoxCount; }
+    // The first derivative black box registered (declared here, by the
+    // library or the host) for primitive and the variable x; null if none.
+    ZorWBDerivBlackBox* GetDerivBlackBox(const ZorWBBlackBox* primitive,
+                                         const ZorWBVariable* x) const;
+    // The derivative black boxes registered so far, in declaration order.
+    int GetNbOfDerivBlackBoxes() const { return _derivBlackBoxes.GetSize(); }
+    ZorWBDerivBlackBox* GetDerivBlackBox(int i) const { return _derivBlackBoxes.Get(i); }
 
     // ------------------------------------------------------------ tags
     int GetAndIncrementGlobalTag() { return _globalTag < MaxTag ? _globalTag++ : _globalTag; }
@@ -506,11 +592,45 @@ class ZORWBX_API ZorWBFactory {
     ZorWBExpression* DeclareBlackBox(const int* tag, ZorWBBlackBox* bb, int n,
                                      ZorWBExpression* const* args, bool internal);
 
+    // The shapes of one interval of a segment function from start to end
+    // (constants made from the points' values; a - b written
+    // Sum(a, Product(b, MinusOne))):
+    //   _X          t = (x - xa) / (xb - xa)
+    //   _Y(u)       ya + (yb - ya) u (the first argument is u)
+    //   _Linear     Y(t)
+    //   _Quadratic  Y(t^2)
+    //   _Cubic      Y(3 t^2 - 2 t^3)
+    //   _QuarterSin Y(sin(t Pi/2))
+    //   _QuarterCos Y(1 - cos(t Pi/2))
+    ZorWBExpression* CreateSegmentFunction_X(ZorWBExpression* x,
+                                             const ZorWBSegmentFunctionDataPt& start,
+                                             const ZorWBSegmentFunctionDataPt& end);
+    ZorWBExpression* CreateSegmentFunction_Y(ZorWBExpression* u,
+                                             const ZorWBSegmentFunctionDataPt& start,
+                                             const ZorWBSegmentFunctionDataPt& end);
+    ZorWBExpression* CreateSegmentFunction_Linear(ZorWBExpression* x,
+                                                  const ZorWBSegmentFunctionDataPt& start,
+                                                  const ZorWBSegmentFunctionDataPt& end);
+    ZorWBExpression* CreateSegmentFunction_Quadratic(ZorWBExpression* x,
+                                                     const ZorWBSegmentFunctionDataPt& start,
+                                                     const ZorWBSegmentFunctionDataPt& end);
+    ZorWBExpression* CreateSegmentFunction_Cubic(ZorWBExpression* x,
+                                                 const ZorWBSegmentFunctionDataPt& start,
+                                                 const ZorWBSegmentFunctionDataPt& end);
+    ZorWBExpression* CreateSegmentFunction_QuarterSin(ZorWBExpression* x,
+                                                      const ZorWBSegmentFunctionDataPt& start,
+                                                      const ZorWBSegmentFunctionDataPt& end);
+    ZorWBExpression* CreateSegmentFunction_QuarterCos(ZorWBExpression* x,
+                                                      const ZorWBSegmentFunctionDataPt& start,
+                                                      const ZorWBSegmentFunctionDataPt& end);
+
   private:
     friend class ZorWBExpression;
     friend class ZorWBOperator;
     friend class ZorWBEquation;
     friend class ZorWBGraphWalk;
+    friend class ZorWBCalculusScope;
+    friend class ZorWBBlackBoxOperator;
 
     // One step of the explicit stack of an evaluation.
     struct EvalFrame {
@@ -543,7 +663,27 @@ class ZORWBX_API ZorWBFactory {
     bool IsRemovableDescendant(const ZorWBExpression* node) const;
     // Takes nodes that nothing uses out of the expressions and destroys them.
     void DestroyDetached(const std::vector<ZorWBExpression*>& nodes);
+    // The piece of one interval of a segment function; null for an unknown
+    // interpolation type.
+    ZorWBExpression* CreateSegmentPiece(ZorWBExpression* x,
+                                        const ZorWBSegmentFunctionInterval& interval);
+    // Destroys the internal black boxes (the library's derivative black
+    // boxes among them) and forgets every registered one.
     void BlackBoxDeletion();
+    // Adds a new black box to the registered ones (and a derivative black
+    // box to those too); false when memory is short.
+    bool RegisterBlackBox(ZorWBBlackBox* bb);
+    // A call, with the arguments of call, of the derivative of call's black
+    // box by x: the first one registered for them, else a new internal one.
+    ZorWBExpression* DeclareDerivativeCall(ZorWBBlackBoxOperator* call, ZorWBVariable* x);
+    // A call, with the arguments of call, of the partial derivative of
+    // call's black box by its argument i (made once per black box and
+    // argument, internal).
+    ZorWBExpression* DeclarePartialDerivativeCall(ZorWBBlackBoxOperator* call, int i);
+    // Declares an internal derivative black box made for call; destroys it
+    // when that fails and it was not registered.
+    ZorWBExpression* DeclareOwnDerivative(ZorWBDerivBlackBox* derivative,
+                                          ZorWBBlackBoxOperator* call);
     // The variable of this factory that stands for a variable of another
     // factory: the one with its name, made (with its name, value, preferred
     // value, fixed state and divided flag) when there is none.
@@ -564,6 +704,9 @@ class ZORWBX_API ZorWBFactory {
     int _nextEquationId = 0;
     ZorQelListPZorWBBlackBox _blackBoxes;
     int _blackBoxCount = 0;
+    ZorQelArray<ZorWBDerivBlackBox*> _derivBlackBoxes;
+    // The differentiation or integration running, if any.
+    ZorWBCalculusSession* _calculusSession = nullptr;
     ZorQelListPZorWBExpression _temporaryExpressions;
     bool _temporaryMode = false;
     int _temporaryProperty = 0;

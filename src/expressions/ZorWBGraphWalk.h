@@ -2,6 +2,7 @@
 #define ZORWB_GRAPHWALK_H
 
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -85,6 +86,37 @@ class ZorWBGraphWalk {
             results[node] = result;
         }
         return results[root];
+    }
+
+    // Calls compute(node) for the nodes below root that still need it,
+    // children before parents, each once: from a node the walk goes into its
+    // child i only when follow(node, i) holds, and it does not enter a node
+    // for which known(node) holds (compute is expected to make it known).
+    // root itself is not computed. Like PostOrder it marks nothing.
+    template <class Known, class Follow, class Compute>
+    static void PostOrderBelow(const ZorWBExpression* root, Known&& known, Follow&& follow,
+                               Compute&& compute) {
+        if (!root) return;
+        struct Frame {
+            const ZorWBExpression* node;
+            int next;
+        };
+        std::vector<Frame> stack{{root, 0}};
+        // Guards against entering a node twice (and against a cycle).
+        std::unordered_set<const ZorWBExpression*> entered{root};
+        while (!stack.empty()) {
+            Frame& frame = stack.back();
+            const ZorWBExpression* node = frame.node;
+            if (frame.next < NbOfChildren(node)) {
+                int i = frame.next++;
+                const ZorWBExpression* child = Child(node, i);
+                if (follow(node, i) && !known(child) && entered.insert(child).second)
+                    stack.push_back({child, 0});
+                continue;
+            }
+            stack.pop_back();
+            if (node != root) compute(node);
+        }
     }
 };
 

@@ -12,7 +12,13 @@
 #include "parser/ZorWBNode.h"
 #include "values/ZorWBEnvironment.h"
 
+class ZorWBExpression;
+class ZorWBFactory;
+class ZorWBVariable;
 class ZorWBVisitor;
+
+using ZorWBVarNodeTable = ZorQelArray<ZorWBVarNode*>;
+using ZorWBVariableTable = ZorQelArray<ZorWBVariable*>;
 
 // The parsed form of a text of equations: the nodes, the equations in source
 // order, the variable nodes and the black boxes declared by calls.
@@ -91,12 +97,91 @@ class ZORWBX_API ZorWBModel {
     void GetBlackBoxes(ZorQelListPZorWBBlackBox* list) const;
     int GetNbOfNodes() const { return static_cast<int>(_nodes.size()); }
 
+    // ------------------------------------------------------------ conversion
+    // Conversion into factory expressions. Every operation returns 0 on
+    // success and 0x80004005 on failure; the nodes made before a failure stay
+    // in the factory, and GetFailedNode tells which node could not be
+    // converted.
+    //
+    // Nodes convert as follows: a constant becomes a factory constant of its
+    // value; a variable the factory variable of its name (made and named when
+    // the factory has none), or, when tables are given, the variable of
+    // `variables` at the node's position in `variableNodes` (a node missing
+    // from the table fails); Minus becomes CreateSub of its two operands;
+    // UnaryMinus the product of -1 and its operand, a constant operand giving
+    // the negated constant and a product led by a constant giving the product
+    // led by the negated constant; a LessEqual node CreateLessEqual, CreateLess,
+    // CreateGreaterEqual or CreateGreater by its comparison type (no
+    // comparison type reads as <=); a black-box call the declaration of its
+    // black box over the converted arguments, passing whether the black box
+    // is internal (the call fails when an equation of the factory bears the
+    // black box's name and its theoretical variable list does not hold one
+    // variable per argument); every other operator the factory operator of
+    // its kind (CreateOperator), which fails on a wrong number of operands.
+    //
+    // Units. With applyUnits, quantities are converted to the base units
+    // millimetre and radian by the factors of ZorWBGetUnitFactor: a number
+    // with a unit becomes one constant holding the converted value (an
+    // integer while the factor is an integer and the result fits, a real
+    // otherwise: "1 in" is 25.4, "2 km" 2000000, "30 deg" Pi/6), and any
+    // other node with a unit (a bracketed expression, "(a + b) deg") is
+    // multiplied by a leading constant holding the factor; units of factor 1
+    // (mm, rad) change nothing. An unknown unit fails. An ambiguous mark (' or
+    // ") reads as a length (foot, inch) or an angle (arc minute, arc second)
+    // by its context: walking up from the mark, the first operator that adds,
+    // compares or chooses between its operands (+, -, min, max, dim, mod, the
+    // branches of if-then-else, ==, !=, <, <=, >, >=) and has another operand
+    // of kind Distance or Angle decides; failing that, the other term of the
+    // equation; failing that, the mark is an angle. So "x = 5' + 2 mm" is
+    // five feet, "a = 30' + 1 deg" thirty arc minutes and "x = 5'" five arc
+    // minutes. Without applyUnits, numbers keep their written values and
+    // units are ignored.
+    //
+    // Black boxes. The factory nodes call the model's black boxes; the caller
+    // keeps them alive as long as the factory (ZorWBParser hands them to the
+    // factory by marking them internal).
+
+    // Adds one factory equation per model equation, in order and with the
+    // same type, and appends each new equation id to equationIds. The root is
+    // CreateSub(left, right) (AddEquation with both terms), the left term
+    // alone for a one-term equation, and also when the right term is the
+    // integer 0 written without a unit: "e = 0;" has the root e itself, so
+    // that printed equations read back to the same roots. Stops at the first
+    // equation that cannot be converted.
+    int FillFactory(ZorWBFactory& factory, ZorQelIntArray& equationIds, bool applyUnits = true,
+                    const ZorWBVarNodeTable* variableNodes = nullptr,
+                    const ZorWBVariableTable* variables = nullptr);
+    // The same without adding equations: appends to expressions the root that
+    // each equation would get.
+    int FillFactory(ZorWBFactory& factory, bool applyUnits, const ZorWBVarNodeTable* variableNodes,
+                    const ZorWBVariableTable* variables,
+                    ZorQelArray<ZorWBExpression*>& expressions);
+    // Converts one subtree into expression (null on failure). An equation node
+    // is not an expression: 1, and expression null. Ambiguous marks are read
+    // as within the subtree's topmost term, without the other side of its
+    // equation.
+    int ConvertNodeToExpr(const ZorWBNode* node, ZorWBFactory& factory,
+                          ZorWBExpression*& expression, bool applyUnits = true,
+                          const ZorWBVarNodeTable* variableNodes = nullptr,
+                          const ZorWBVariableTable* variables = nullptr);
+    // The factory variable that a variable node stands for (see above).
+    int ConvertVarNodeToExpr(const ZorWBVarNode* node, ZorWBFactory& factory,
+                             ZorWBVariable*& variable,
+                             const ZorWBVarNodeTable* variableNodes = nullptr,
+                             const ZorWBVariableTable* variables = nullptr);
+    // The position of a node in a table of variable nodes, or -1.
+    static int Locate(const ZorWBVarNode* node, const ZorWBVarNodeTable& table);
+    // The node whose conversion failed last (null after a success).
+    const ZorWBNode* GetFailedNode() const { return _failedNode; }
+
     // Calls the visitor's VisitModel.
     virtual int Accept(ZorWBVisitor& visitor);
     // Same number of equations, pairwise equal (node IsEqual).
     bool IsEqual(const ZorWBModel& other) const;
 
   private:
+    friend class ZorWBModelConversion;
+
     struct Place {
         const std::string* name;
         ZorWBLocation location;
@@ -133,6 +218,8 @@ class ZORWBX_API ZorWBModel {
     std::vector<ZorWBBlackBox*> _declaredBlackBoxes;
     std::unordered_set<const ZorWBBlackBox*> _declaredSet;
     std::unordered_map<const ZorWBBlackBox*, std::unique_ptr<ZorWBBlackBox>> _ownedBlackBoxes;
+
+    const ZorWBNode* _failedNode = nullptr;
 };
 
 #endif

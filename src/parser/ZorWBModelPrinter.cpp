@@ -1,16 +1,15 @@
 #include "parser/ZorWBModelPrinter.h"
 
-#include <cmath>
 #include <vector>
 
 #include "expressions/ZorWBBlackBox.h"
+#include "expressions/ZorWBLanguageText.h"
 #include "parser/ZorWBModel.h"
 #include "parser/ZorWBNode.h"
 
 namespace {
 
-// How tightly a printed node binds, loosest first.
-enum Binding : int { Condition, Additive, Multiplicative, Unary, Power, Primary };
+using Binding = ZorWBBinding;
 
 // One step of the walk: a piece of text, or a node to print (in brackets,
 // or without the unit it carries when the unit is being written around it).
@@ -20,22 +19,6 @@ struct Item {
     bool brackets;
     bool withoutUnit;
 };
-
-bool IsNegativeNumber(const ZorWBValue& value) {
-    switch (value.GetType()) {
-        case ZorWBIntegerType:
-            return value.GetAsInteger() < 0;
-        case ZorWBRealType:
-            return std::signbit(value.GetAsReal()) && !std::isnan(value.GetAsReal());
-        default:
-            return false;
-    }
-}
-
-bool IsPiFraction(const ZorWBValue& value) {
-    ZorWBFraction fraction = value.GetAsFraction();
-    return fraction.numerator == 1 && fraction.denominator == 1 && fraction.power == 1;
-}
 
 // The infix symbol of an operator with its usual arity, or null.
 const char* InfixSymbol(const ZorWBOpNode& op) {
@@ -80,42 +63,28 @@ const char* InfixSymbol(const ZorWBOpNode& op) {
     }
 }
 
-Binding InfixBinding(ZorWBExpressionType type) {
-    switch (type) {
-        case ZorWBExpressionType::Sum:
-        case ZorWBExpressionType::Minus:
-            return Additive;
-        case ZorWBExpressionType::Product:
-        case ZorWBExpressionType::Quotient:
-            return Multiplicative;
-        case ZorWBExpressionType::Power:
-            return Power;
-        default:
-            return Condition;
-    }
-}
-
 bool IsUnaryMinus(const ZorWBOpNode& op) {
     return op.GetType() == ZorWBExpressionType::UnaryMinus && op.GetNbOfChildren() == 1;
 }
 
 Binding BindingOf(const ZorWBNode* node, bool withoutUnit) {
-    if (!node) return Primary;
+    if (!node) return Binding::Primary;
     if (node->HasUnit() && !withoutUnit && node->GetNodeKind() != ZorWBConstantNode)
-        return Primary;  // written "(node) unit"
+        return Binding::Primary;  // written "(node) unit"
     switch (node->GetNodeKind()) {
         case ZorWBConstantNode:
-            return IsNegativeNumber(static_cast<const ZorWBConstNode*>(node)->GetValue()) ? Unary
-                                                                                          : Primary;
+            return ZorWBIsNegativeNumber(static_cast<const ZorWBConstNode*>(node)->GetValue())
+                       ? Binding::Unary
+                       : Binding::Primary;
         case ZorWBOperatorNode: {
             const ZorWBOpNode& op = *static_cast<const ZorWBOpNode*>(node);
-            if (IsUnaryMinus(op)) return Unary;
-            return InfixSymbol(op) ? InfixBinding(op.GetType()) : Primary;
+            if (IsUnaryMinus(op)) return Binding::Unary;
+            return InfixSymbol(op) ? ZorWBInfixBinding(op.GetType()) : Binding::Primary;
         }
         case ZorWBEquationNode:
-            return Condition;
+            return Binding::Condition;
         default:
-            return Primary;
+            return Binding::Primary;
     }
 }
 
@@ -128,16 +97,12 @@ bool IsBooleanPair(const ZorWBNode* node) {
 // Whether operand i of an infix operator needs brackets.
 bool NeedsBrackets(const ZorWBOpNode& op, int i) {
     const ZorWBNode* child = op.GetChild(i);
-    Binding own = InfixBinding(op.GetType());
-    Binding inner = BindingOf(child, false);
     switch (op.GetType()) {
         case ZorWBExpressionType::And:
         case ZorWBExpressionType::Or:
             return i > 0 && IsBooleanPair(child);
-        case ZorWBExpressionType::Power:  // right-associative
-            return i == 0 ? inner <= own : inner < own;
         default:
-            return i == 0 ? inner < own : inner <= own;
+            return ZorWBNeedsBrackets(op.GetType(), i == 0, BindingOf(child, false));
     }
 }
 
@@ -147,25 +112,6 @@ const char* FunctionName(const ZorWBOpNode& op) {
     const ZorWBExpressionTypeInfo* info = ZorWBGetExpressionTypeInfo(op.GetType());
     if (!info) return "ERROR";
     return *info->function ? info->function : info->name;
-}
-
-const char* EquationSymbol(ZorWBEquationType type) {
-    switch (type) {
-        case ZorWBEqualZero:
-            return " = ";
-        case ZorWBNotEqualZero:
-            return " != ";
-        case ZorWBLessEqualZero:
-            return " <= ";
-        case ZorWBLessZero:
-            return " < ";
-        case ZorWBGreaterEqualZero:
-            return " >= ";
-        case ZorWBGreaterZero:
-            return " > ";
-        default:
-            return nullptr;
-    }
 }
 
 class Printer {
@@ -251,7 +197,7 @@ class Printer {
             }
         } else if (IsUnaryMinus(op)) {
             Text("-");
-            Node(op.GetChild(0), BindingOf(op.GetChild(0), false) < Unary);
+            Node(op.GetChild(0), BindingOf(op.GetChild(0), false) < Binding::Unary);
         } else if (op.GetType() == ZorWBExpressionType::Not && count == 1) {
             Text("!");
             Node(op.GetChild(0), true);
@@ -276,7 +222,7 @@ class Printer {
 
     void ExpandEquation(const ZorWBEqNode& equation) {
         Node(equation.GetLeftTerm());
-        const char* symbol = EquationSymbol(equation.GetWBEqType());
+        const char* symbol = ZorWBRelationText(equation.GetWBEqType());
         if (symbol && equation.GetRightTerm()) {
             Text(symbol);
             Node(equation.GetRightTerm());
@@ -289,52 +235,10 @@ class Printer {
     std::vector<Item> _pieces;
 };
 
-// Whether a number's text would read back as an integer token.
-bool LooksLikeInteger(const ZorQelString& text, int from) {
-    if (from >= text.GetLength()) return false;
-    for (int i = from; i < text.GetLength(); ++i) {
-        char c = text.GetAt(i);
-        if (c < '0' || c > '9') return false;
-    }
-    return true;
-}
-
 }  // namespace
 
 void ZorWBModelPrinter::AppendValue(ZorQelString& text, const ZorWBValue& value) {
-    switch (value.GetType()) {
-        case ZorWBIntegerType:
-            text += value.GetAsInteger();
-            return;
-        case ZorWBRealType: {
-            double real = value.GetAsReal();
-            if (std::isinf(real)) {
-                text += real > 0 ? "1e999" : "-1e999";
-                return;
-            }
-            int start = text.GetLength();
-            text.AppendDouble(real);
-            if (LooksLikeInteger(text, start + (real < 0 ? 1 : 0))) text += ".0";
-            return;
-        }
-        case ZorWBFractionType: {
-            if (IsPiFraction(value)) {
-                text += "Pi";
-                return;
-            }
-            ZorWBFraction fraction = value.GetAsFraction();
-            text += "(";
-            text += fraction.numerator;
-            if (fraction.denominator != 1)
-                text += "/" + ZorQelString::FromInt(fraction.denominator);
-            if (fraction.power != 0) text += "*Pi^" + ZorQelString::FromInt(fraction.power);
-            text += ")";
-            return;
-        }
-        default:
-            text += value.Str();
-            return;
-    }
+    ZorWBAppendValueText(text, value);
 }
 
 ZorQelString ZorWBModelPrinter::Print(const ZorWBNode* node) {

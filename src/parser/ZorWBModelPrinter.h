@@ -11,9 +11,9 @@ class ZorWBNode;
 // Writes parsed-model nodes back in the equation language, so that reading
 // the text again gives an equal model (node IsEqual) for everything the
 // parser can build:
-// - integers in decimal; reals in their shortest round-trip form, with ".0"
-//   added where that form would read back as an integer, and the infinities
-//   as 1e999 and -1e999 (which read back as them); Pi as "Pi";
+// - numbers as ZorWBAppendValueText writes them: integers in decimal, reals
+//   in their shortest round-trip form with a point or an exponent (the
+//   infinities as 1e999 and -1e999, which read back as them), Pi as "Pi";
 // - operators with their usual symbols (+ - * / ^, unary -, == != < <= > >=,
 //   and, or, !) and the fewest brackets that keep the tree: the left operand
 //   of a left-associative operator is bracketed when it binds less tightly,
@@ -24,7 +24,7 @@ class ZorWBNode;
 // - an equation as "left = right;" or "term;", a model one equation a line.
 // What the language cannot write comes out readable but not readable back:
 // a missing child as "?", a fraction other than Pi as "(n/d*Pi^p)", values of
-// other kinds as their Str text, an operator without its usual arity or
+// other kinds in the forms of ZorWBAppendValueText, an operator without its usual arity or
 // function name as Name(arguments), and an "and"/"or" right operand that is
 // itself an "and"/"or" in brackets.
 // The walk uses an explicit stack: any depth prints.
@@ -32,7 +32,7 @@ class ZORWBX_API ZorWBModelPrinter {
   public:
     static ZorQelString Print(const ZorWBNode* node);
     static ZorQelString Print(const ZorWBModel& model);
-    // Appends a value as the language writes a number.
+    // Appends a value as the language writes a number (ZorWBAppendValueText).
     static void AppendValue(ZorQelString& text, const ZorWBValue& value);
 };
 

@@ -8,52 +8,12 @@
 #include "expressions/ZorWBBlackBox.h"
 #include "parser/ZorWBHash.h"
 #include "parser/ZorWBVisitor.h"
+#include "values/ZorWBEnvironment.h"
 
 namespace {
 
 std::size_t HashReal(double value) {
     return std::hash<double>()(value == 0.0 ? 0.0 : value);  // -0 hashes as 0
-}
-
-template <class Enum>
-bool SameEnum(const Enum& a, const Enum& b) {
-    if (a.GetRep() != b.GetRep() || a.GetSize() != b.GetSize()) return false;
-    for (int i = 0; i < a.GetSize(); ++i) {
-        if (!(a.Get(i) == b.Get(i))) return false;
-    }
-    return true;
-}
-
-// Exact equality of two values of the same kind (reals compared with ==).
-bool SameValue(const ZorWBValue& a, const ZorWBValue& b) {
-    if (a.GetType() != b.GetType()) return false;
-    switch (a.GetType()) {
-        case ZorWBIntegerType:
-            return a.GetAsInteger() == b.GetAsInteger();
-        case ZorWBRealType:
-            return a.GetAsReal() == b.GetAsReal();
-        case ZorWBIntegerIntervalType: {
-            ZorWBIntegerInterval x = a.GetAsIntegerInterval(), y = b.GetAsIntegerInterval();
-            return x.low == y.low && x.high == y.high;
-        }
-        case ZorWBRealIntervalType: {
-            ZorWBRealInterval x = a.GetAsRealInterval(), y = b.GetAsRealInterval();
-            return x.low == y.low && x.high == y.high;
-        }
-        case ZorWBIntegerEnumType:
-            return SameEnum(a.GetIntegerEnum(), b.GetIntegerEnum());
-        case ZorWBRealEnumType:
-            return SameEnum(a.GetRealEnum(), b.GetRealEnum());
-        case ZorWBBooleanType:
-            return a.GetAsBoolean() == b.GetAsBoolean();
-        case ZorWBFractionType: {
-            ZorWBFraction x = a.GetAsFraction(), y = b.GetAsFraction();
-            return x.numerator == y.numerator && x.denominator == y.denominator &&
-                   x.power == y.power;
-        }
-        default:
-            return true;
-    }
 }
 
 std::size_t HashValue(const ZorWBValue& value) {
@@ -191,8 +151,14 @@ int ZorWBConstNode::Accept(ZorWBVisitor& visitor) {
     return visitor.VisitConstant(*this);
 }
 
+// Values of the same kind that the value equality (under the model
+// environment's tolerance) finds equal: 2 and 2.0 differ, as their texts do.
 bool ZorWBConstNode::HasSameData(const ZorWBNode& other) const {
-    return SameValue(_value, static_cast<const ZorWBConstNode&>(other)._value);
+    const ZorWBValue& otherValue = static_cast<const ZorWBConstNode&>(other)._value;
+    if (_value.GetType() != otherValue.GetType()) return false;
+    static const ZorWBEnvironment fallback;  // nodes made by a model always have one
+    const ZorWBEnvironment* environment = GetEnvironment();
+    return _value.IsEqualTo(environment ? *environment : fallback, otherValue);
 }
 
 // ------------------------------------------------------------- ZorWBVarNode

@@ -1,5 +1,7 @@
 #include "parser/ZorWBParser.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <new>
 
 #include "ZorWBGrammar.h"
@@ -8,9 +10,12 @@
 #define YYSTYPE ZORWB_YYSTYPE
 #define YYLTYPE ZORWB_YYLTYPE
 #include "ZorWBScanner.h"
+#include "expressions/ZorWBEquation.h"
+#include "expressions/ZorWBFactory.h"
 #include "parser/ZorWBModel.h"
 #include "parser/ZorWBModelCheck.h"
 #include "parser/ZorWBParserMessenger.h"
+#include "parser/ZorWBScannerFault.h"
 
 namespace {
 
@@ -40,6 +45,8 @@ int ParseInput(const Input& input, ZorWBModel& model, ZorQelIntArray& equationId
             zorwb_yyparse(scanner, model, equationIds, messenger, blackBoxes);
         }
         ZorWBModelCheck(&model, &messenger).Run();
+    } catch (const ZorWBScannerFault& fault) {
+        messenger.ReportError(nullptr, fault.message);
     } catch (...) {
         messenger.ReportError(nullptr, MemoryExhausted);
     }
@@ -57,4 +64,38 @@ int ZorWBParser::Parse(std::FILE* input, ZorWBModel& model, ZorQelIntArray& equa
 int ZorWBParser::Parse(const char* text, ZorWBModel& model, ZorQelIntArray& equationIds,
                        ZorWBParserMessenger& messenger, ZorQelListPZorWBBlackBox* blackBoxes) {
     return ParseInput({nullptr, text}, model, equationIds, messenger, blackBoxes);
+}
+
+ZorWBExpression* ZorWBParser::ReadZorWBExpression(const char* text, ZorWBFactory& factory,
+                                                  ZorQelListPZorWBBlackBox& blackBoxes) {
+    ZorWBModel model(factory.GetWBLevel());
+    ZorQelIntArray equationIds;
+    ZorWBParserMessenger messenger;
+    int first = blackBoxes.GetSize();
+    Parse(text, model, equationIds, messenger, &blackBoxes);
+    if (messenger.GetErrorNumber() > 0) {
+        std::fprintf(stderr, "ReadZorWBExpression syntax error :%s\n%s\n", text ? text : "",
+                     messenger.GetString().GetString());
+        std::exit(100);
+    }
+    model.FillFactory(factory, equationIds);
+    HandOverBlackBoxes(blackBoxes, first, factory);
+    ZorWBEquation* last = factory.GetLastEquation();
+    return last ? last->GetRoot() : nullptr;
+}
+
+void ZorWBParser::HandOverBlackBoxes(ZorQelListPZorWBBlackBox& blackBoxes, int first,
+                                     const ZorWBFactory& factory) {
+    for (int i = blackBoxes.GetSize() - 1; i >= first && i >= 0; --i) {
+        ZorWBBlackBox* blackBox = blackBoxes.Get(i);
+        bool called = false;
+        for (int k = 0; !called && k < factory.GetNbOfBlackBoxes(); ++k)
+            called = factory.GetBlackBox(k) == blackBox;
+        if (called) {
+            blackBox->SetInternal();
+        } else {
+            delete blackBox;
+            blackBoxes.RemoveAt(i);
+        }
+    }
 }

@@ -7,6 +7,8 @@
 #include "expressions/ZorWBBlackBox.h"
 #include "qel/ZorQelArray.h"
 
+class ZorWBExpression;
+class ZorWBFactory;
 class ZorWBModel;
 class ZorWBParserMessenger;
 
@@ -27,7 +29,9 @@ class ZorWBParserMessenger;
 // Invalid characters are skipped after "Invalid character" is printed on
 // the standard output; they are not errors. A read error of the stream ends
 // the input. When memory runs out while reading, "memory exhausted" is
-// reported and the parse stops.
+// reported and the parse stops; a fault of the scanner (flex's fatal errors,
+// such as "out of dynamic memory in yy_scan_bytes()") is reported with its
+// text (code -1) and also ends the parse: nothing stops the process.
 class ZORWBX_API ZorWBParser {
   public:
     // Reads the stream to its end into the model: appends the id of every
@@ -44,6 +48,28 @@ class ZORWBX_API ZorWBParser {
     static int Parse(const char* text, ZorWBModel& model, ZorQelIntArray& equationIds,
                      ZorWBParserMessenger& messenger,
                      ZorQelListPZorWBBlackBox* blackBoxes = nullptr);
+
+    // Reads a text (normally one statement, such as "x^2 + 1;") into the
+    // factory and returns the root of the factory's last equation, or null
+    // when it has none. The text is parsed and checked in a model of the
+    // factory's behaviour level; the black boxes it declares are appended to
+    // blackBoxes. When anything was reported, this writes
+    // "ReadZorWBExpression syntax error :TEXT" and the last message on the
+    // standard error and ENDS THE PROCESS with exit status 100: callers that
+    // must survive bad input use Parse. Otherwise the model fills the factory
+    // (units converted, ZorWBModel::FillFactory), and the black boxes this
+    // call appended are handed over to it (HandOverBlackBoxes). The root is returned even when the
+    // filling failed, so it may then be that of an earlier equation.
+    static ZorWBExpression* ReadZorWBExpression(const char* text, ZorWBFactory& factory,
+                                                ZorQelListPZorWBBlackBox& blackBoxes);
+
+    // After a model was filled into a factory: the black boxes of the list
+    // from index first on that the factory calls belong to it from then on
+    // (marked internal); the others, which nothing would own (those of a
+    // failed filling, or of a conditional statement that added no equation),
+    // are deleted and taken off the list.
+    static void HandOverBlackBoxes(ZorQelListPZorWBBlackBox& blackBoxes, int first,
+                                   const ZorWBFactory& factory);
 };
 
 #endif

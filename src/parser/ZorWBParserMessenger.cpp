@@ -46,6 +46,7 @@ int ZorWBParserMessenger::CodeOfMessage(const char* message) {
 
 int ZorWBParserMessenger::ReportError(const ZorWBLocation* location, const char* message) {
     _text = ZorQelString(message);
+    _messages.push_back(_text);
     // A location that cannot be copied for lack of memory is kept as none.
     _locations.emplace_back(location ? new (std::nothrow) ZorWBLocation(*location) : nullptr);
     _codes.Add(CodeOfMessage(message));
@@ -71,4 +72,10 @@ void ZorWBParserMessenger::GetErrors(ZorQelIntArray& codes,
         codes.Add(code);
     for (const std::unique_ptr<ZorWBLocation>& location : _locations)
         locations.Add(location.get());
+}
+
+const ZorQelString& ZorWBParserMessenger::GetMessage(int i) const {
+    static const ZorQelString none;
+    if (i < 0 || i >= static_cast<int>(_messages.size())) return none;
+    return _messages[static_cast<std::size_t>(i)];
 }

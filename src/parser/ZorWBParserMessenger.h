@@ -10,9 +10,9 @@
 #include "qel/ZorQelArray.h"
 #include "qel/ZorQelString.h"
 
-// Collects the diagnostics of a parse: for every reported error a code
-// (derived from the message text) and a copy of its location, plus the text
-// of the most recent message.
+// Collects the diagnostics of a parse: for every reported error its text, a
+// code (derived from the text) and a copy of its location; GetString gives
+// the text of the most recent one.
 class ZORWBX_API ZorWBParserMessenger {
   public:
     ZorWBParserMessenger() = default;
@@ -34,12 +34,15 @@ class ZORWBX_API ZorWBParserMessenger {
     void GetErrors(ZorQelIntArray& codes, ZorQelArray<const ZorWBLocation*>& locations) const;
     // The text of the most recent message, as reported.
     const ZorQelString& GetString() const { return _text; }
+    // The text of the i-th message (empty for an index out of range).
+    const ZorQelString& GetMessage(int i) const;
 
     // The code that ReportError assigns to a message text.
     static int CodeOfMessage(const char* message);
 
   private:
     ZorQelString _text;
+    std::vector<ZorQelString> _messages;
     std::vector<std::unique_ptr<ZorWBLocation>> _locations;
     ZorQelIntArray _codes;
     int _errorCount = 0;

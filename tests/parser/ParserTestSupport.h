@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -64,6 +65,14 @@ struct ParsedText {
 
     std::string Printed() const { return ZorWBModelPrinter::Print(model).GetString(); }
 };
+
+// A list of nodes, for building models by hand.
+inline ZorWBNodeList List(std::initializer_list<ZorWBNode*> nodes) {
+    ZorWBNodeList list;
+    for (ZorWBNode* node : nodes)
+        list.Add(node);
+    return list;
+}
 
 // Switches the process to a decimal-comma locale for one scope.
 class DecimalCommaLocale {

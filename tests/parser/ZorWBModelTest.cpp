@@ -5,13 +5,6 @@
 
 namespace {
 
-ZorWBNodeList List(std::initializer_list<ZorWBNode*> nodes) {
-    ZorWBNodeList list;
-    for (ZorWBNode* node : nodes)
-        list.Add(node);
-    return list;
-}
-
 // Counts the nodes of each class that a walk accepts.
 class CountingVisitor : public ZorWBVisitor {
   public:
@@ -73,6 +66,7 @@ TEST(ZorWBParserMessenger, CodesLocationsAndText) {
         ZorWBLocation where(i + 1, i, i + 1, i + 2);
         EXPECT_EQ(messenger.ReportError(&where, message), 0);
         EXPECT_EQ(messenger.GetString(), message);
+        EXPECT_EQ(messenger.GetMessage(i), message);
         int stored = 0;
         ZorWBLocation location;
         EXPECT_EQ(messenger.GetError(i, stored, location), 0);
@@ -90,6 +84,10 @@ TEST(ZorWBParserMessenger, CodesLocationsAndText) {
     EXPECT_TRUE(location.Compare(ZorWBLocation()));
     EXPECT_EQ(messenger.GetError(i + 1, code, location), static_cast<int>(0x80004005u));
     EXPECT_EQ(messenger.GetError(-1, code, location), static_cast<int>(0x80004005u));
+    EXPECT_EQ(messenger.GetMessage(i), "");
+    EXPECT_EQ(messenger.GetMessage(i + 1), "");
+    EXPECT_EQ(messenger.GetMessage(-1), "");
+    EXPECT_EQ(messenger.GetMessage(0), "syntax error, unexpected end of input");
 
     ZorQelIntArray codes;
     ZorQelArray<const ZorWBLocation*> locations;

@@ -22,4 +22,12 @@ inline WbxRun RunWbx(std::vector<const char*> arguments) {
     return {status, out.str(), err.str()};
 }
 
+// The same with arguments held as strings.
+inline WbxRun RunWbxArguments(const std::vector<std::string>& arguments) {
+    std::vector<const char*> pointers;
+    for (const std::string& argument : arguments)
+        pointers.push_back(argument.c_str());
+    return RunWbx(pointers);
+}
+
 #endif

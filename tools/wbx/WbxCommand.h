@@ -29,6 +29,12 @@ struct WbxCommand {
     WbxCommandFunction run;
 };
 
+// The commands, each in its own file (WbxCheckCommand.cpp, ...).
+int WbxCheckCommand(WbxContext& context);
+int WbxPrintCommand(WbxContext& context);
+int WbxEvalCommand(WbxContext& context);
+int WbxDiffCommand(WbxContext& context);
+
 // The tool's entry point, callable in-process by tests.
 int WbxMain(int argc, const char* const* argv, std::ostream& out, std::ostream& err);
 

@@ -12,6 +12,13 @@ const WbxCommand Commands[] = {
     {"--help", "wbx --help", "lists the commands", ShowHelp},
     {"--version", "wbx --version", "prints the library version and the default behaviour level",
      ShowVersion},
+    {"check", "wbx check FILE...", "parses and checks model files", WbxCheckCommand},
+    {"print", "wbx print FILE", "prints the equations of a model in the equation language",
+     WbxPrintCommand},
+    {"eval", "wbx eval FILE [--set NAME=VALUE]... [--json]",
+     "evaluates every equation and tells whether its relation holds", WbxEvalCommand},
+    {"diff", "wbx diff FILE --wrt NAME",
+     "prints the derivative of every equation root with respect to a variable", WbxDiffCommand},
 };
 
 int ShowHelp(WbxContext& context) {

@@ -1,0 +1,85 @@
+#include "expressions/ZorWBDerivBlackBox.h"
+
+#include <cmath>
+#include <exception>
+#include <limits>
+#include <vector>
+
+#include "expressions/ZorWBBlackBoxOperator.h"
+#include "expressions/ZorWBVariable.h"
+
+namespace {
+
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+
+double RealOf(const ZorWBValue& value) {
+    return value.GetType() == ZorWBUndefinedType ? NaN : value.GetAsReal();
+}
+
+}  // namespace
+
+ZorWBDerivBlackBox::ZorWBDerivBlackBox(ZorWBBlackBox* primitive, ZorWBVariable* variable)
+    : _primitive(primitive), _variable(variable) {
+    if (!primitive || !variable) return;
+    _step = variable->GetEnvironment().GetBBPrecision();
+    ZorQelString name("d");
+    name += variable->GetName();
+    name += primitive->GetName();
+    SetName(name);
+}
+
+ZorWBDerivBlackBox::ZorWBDerivBlackBox(ZorWBBlackBox* primitive, int argument, double step)
+    : _primitive(primitive), _argument(argument), _step(step) {
+    if (!primitive) return;
+    ZorQelString name("darg");
+    name += argument;
+    name += primitive->GetName();
+    SetName(name);
+}
+
+double ZorWBDerivBlackBox::Eval() try {
+    ZorWBBlackBoxOperator* call = GetOperator();
+    if (!_primitive || !call || !(_step > 0.0) || !std::isfinite(_step)) return NaN;
+    return _variable ? ByVariable(*call) : ByArgument(*call);
+} catch (const std::exception&) {
+    return NaN;
+}
+
+double ZorWBDerivBlackBox::Difference(double below, double above) const {
+    return (above - below) / (2.0 * _step);
+}
+
+double ZorWBDerivBlackBox::ByVariable(ZorWBBlackBoxOperator& call) {
+    double x0 = _variable->Eval();
+    if (std::isnan(x0)) return NaN;
+    // The whole value comes back afterwards, whatever its kind.
+    ZorWBValue former = _variable->GetExprValue();
+    std::vector<ZorWBValue> arguments(static_cast<std::size_t>(call.GetNbOfChildren()));
+    auto primitiveAt = [&](double x) {
+        _variable->SetValue(ZorWBValue(x), _variable);
+        for (int j = 0; j < call.GetNbOfChildren(); ++j)
+            arguments[static_cast<std::size_t>(j)] = call.GetChild(j)->GetValue();
+        return call.CallWith(_primitive, arguments.data());
+    };
+    double below = primitiveAt(x0 - _step);
+    double above = primitiveAt(x0 + _step);
+    _variable->SetValue(former, _variable);
+    return Difference(below, above);
+}
+
+double ZorWBDerivBlackBox::ByArgument(ZorWBBlackBoxOperator& call) {
+    int n = call.GetNbOfChildren();
+    if (_argument < 0 || _argument >= n) return NaN;
+    std::vector<ZorWBValue> arguments;
+    arguments.reserve(static_cast<std::size_t>(n));
+    for (int j = 0; j < n; ++j)
+        arguments.push_back(call.GetArgumentValue(j));
+    ZorWBValue& moved = arguments[static_cast<std::size_t>(_argument)];
+    double a = RealOf(moved);
+    if (std::isnan(a)) return NaN;
+    moved = ZorWBValue(a - _step);
+    double below = call.CallWith(_primitive, arguments.data());
+    moved = ZorWBValue(a + _step);
+    double above = call.CallWith(_primitive, arguments.data());
+    return Difference(below, above);
+}

@@ -1,0 +1,449 @@
+#include "output/ZorWBEquationPrinter.h"
+
+#include <vector>
+
+#include "expressions/ZorWBBlackBoxOperator.h"
+#include "expressions/ZorWBEquation.h"
+#include "expressions/ZorWBExpression.h"
+#include "expressions/ZorWBFactory.h"
+#include "expressions/ZorWBLanguageText.h"
+#include "expressions/ZorWBVariable.h"
+
+namespace {
+
+using Type = ZorWBExpressionType;
+using Binding = ZorWBBinding;
+
+// How a node is written.
+enum class Form : unsigned char {
+    Plain,             // the node itself
+    Negated,           // the negation of a negated shape (see IsNegatedShape)
+    Condition,         // a comparison or a combination of them
+    NegatedCondition,  // the negation of a condition
+    CallName,          // the name of a call and its opening bracket
+    StepParameters,    // the four parameters of a step and the closing bracket
+};
+
+// One step of the walk: a piece of text, or a node to write in a form,
+// possibly in brackets.
+struct Item {
+    const ZorWBExpression* node;
+    const char* text;
+    Form form;
+    bool brackets;
+};
+
+int Count(const ZorWBExpression* e) {
+    return e->GetNbOfChildren();
+}
+
+bool Is(const ZorWBExpression* e, Type type, int children) {
+    return e->GetType() == type && Count(e) == children;
+}
+
+bool IsConstant(const ZorWBExpression* e) {
+    return e->GetType() == Type::Constant;
+}
+
+bool IsNegativeConstant(const ZorWBExpression* e) {
+    return IsConstant(e) && ZorWBIsNegativeNumber(e->GetExprValue());
+}
+
+bool IsMinusOne(const ZorWBExpression* e) {
+    if (!IsConstant(e)) return false;
+    const ZorWBValue& value = e->GetExprValue();
+    return value.GetType() == ZorWBIntegerType && value.GetAsInteger() == -1;
+}
+
+bool IsInfix(const ZorWBExpression* e) {
+    switch (e->GetType()) {
+        case Type::Sum:
+        case Type::Product:
+            return Count(e) >= 2;
+        case Type::Quotient:
+        case Type::Power:
+        case Type::Root:
+            return Count(e) == 2;
+        default:
+            return false;
+    }
+}
+
+bool IsBoolean(const ZorWBExpression* e) {
+    switch (e->GetType()) {
+        case Type::Not:
+        case Type::Or:
+        case Type::And:
+        case Type::Equal:
+        case Type::NotEqual:
+        case Type::LessEqual:
+        case Type::Implication:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool IsCompound(const ZorWBExpression* e) {
+    Type type = e->GetType();
+    return Count(e) == 2 && (type == Type::And || type == Type::Or || type == Type::Implication);
+}
+
+// Whether the text of e, read back under a unary minus, has its sign folded
+// in (a constant, or a product led by one) instead of getting a factor -1.
+bool FoldsUnderUnaryMinus(const ZorWBExpression* e) {
+    if (IsConstant(e) || e->GetType() == Type::UnaryMinus) return true;
+    if (e->GetType() != Type::Product || Count(e) < 2) return false;
+    const ZorWBExpression* first = e->GetChild(0);
+    return IsConstant(first) || first->GetType() == Type::UnaryMinus;
+}
+
+// The same after a binary minus, which also folds into quotients of a
+// constant (CreateSub).
+bool FoldsUnderSubtraction(const ZorWBExpression* e) {
+    if (FoldsUnderUnaryMinus(e)) return true;
+    if (!Is(e, Type::Quotient, 2)) return false;
+    const ZorWBExpression* first = e->GetChild(0);
+    return IsConstant(first) || first->GetType() == Type::UnaryMinus;
+}
+
+// Product(-1, b) that can be written "-b" (alone) or "a - b" (in a sum).
+bool IsPlainNegation(const ZorWBExpression* e, bool afterMinus) {
+    if (!Is(e, Type::Product, 2) || !IsMinusOne(e->GetChild(0))) return false;
+    const ZorWBExpression* negated = e->GetChild(1);
+    return afterMinus ? !FoldsUnderSubtraction(negated) : !FoldsUnderUnaryMinus(negated);
+}
+
+// The shapes that CreateSub makes of a - b: a negative constant, a product
+// led by a negative constant, a quotient of a negative constant. In a sum
+// they are written after a minus.
+bool IsNegatedShape(const ZorWBExpression* e) {
+    if (IsNegativeConstant(e)) return true;
+    bool product = e->GetType() == Type::Product && Count(e) >= 2;
+    bool quotient = Is(e, Type::Quotient, 2);
+    return (product || quotient) && IsNegativeConstant(e->GetChild(0));
+}
+
+Binding BindingOf(const ZorWBExpression* e) {
+    if (IsNegativeConstant(e) || e->GetType() == Type::UnaryMinus) return Binding::Unary;
+    if (!IsInfix(e)) return Binding::Primary;
+    switch (e->GetType()) {
+        case Type::Sum:
+            return Binding::Additive;
+        case Type::Product:
+            return IsPlainNegation(e, false) ? Binding::Unary : Binding::Multiplicative;
+        case Type::Quotient:
+            return Binding::Multiplicative;
+        default:  // Power, Root
+            return Binding::Power;
+    }
+}
+
+// The binding of the negation of a negated shape.
+Binding NegatedBindingOf(const ZorWBExpression* e) {
+    if (IsConstant(e)) return Binding::Primary;
+    if (IsPlainNegation(e, true)) return BindingOf(e->GetChild(1));
+    return Binding::Multiplicative;
+}
+
+ZorQelString CallName(const ZorWBExpression* e) {
+    if (e->GetType() == Type::BlackBox)
+        return static_cast<const ZorWBBlackBoxOperator*>(e)->GetBlackBoxName();
+    const ZorWBExpressionTypeInfo* info = ZorWBGetExpressionTypeInfo(e->GetType());
+    if (!info) return "ERROR";
+    return *info->function ? info->function : info->name;
+}
+
+class Printer {
+  public:
+    explicit Printer(ZorQelString& out) : _out(out) {}
+
+    // Writes the items, in order, with everything they expand to.
+    void Run() {
+        Flush();
+        while (!_pending.empty()) {
+            Item item = _pending.back();
+            _pending.pop_back();
+            if (item.text) {
+                _out += item.text;
+            } else if (item.brackets) {
+                Text("(");
+                Node(item.node, item.form);
+                Text(")");
+            } else {
+                Expand(item);
+            }
+            Flush();
+        }
+    }
+
+    // Pieces are gathered in reading order and pushed reversed.
+    void Text(const char* text) { _pieces.push_back({nullptr, text, Form::Plain, false}); }
+    void Node(const ZorWBExpression* node, Form form = Form::Plain, bool brackets = false) {
+        _pieces.push_back({node, nullptr, form, brackets});
+    }
+    // An operand of an infix operator, in brackets where it needs them.
+    void Operand(const ZorWBExpression* parent, const ZorWBExpression* operand, bool left) {
+        Node(operand, Form::Plain, ZorWBNeedsBrackets(parent->GetType(), left, BindingOf(operand)));
+    }
+
+  private:
+    void Flush() {
+        _pending.insert(_pending.end(), _pieces.rbegin(), _pieces.rend());
+        _pieces.clear();
+    }
+
+    void Expand(const Item& item) {
+        const ZorWBExpression* e = item.node;
+        if (!e) {
+            _out += "?";
+            return;
+        }
+        switch (item.form) {
+            case Form::Plain:
+                return ExpandPlain(e);
+            case Form::Negated:
+                return ExpandNegated(e);
+            case Form::Condition:
+                return ExpandCondition(e);
+            case Form::NegatedCondition:
+                return ExpandNegatedCondition(e);
+            case Form::CallName:
+                _out += CallName(e);
+                _out += "(";
+                return;
+            case Form::StepParameters:
+                for (int i = 0; i < e->GetNbOfParameters(); ++i) {
+                    _out += ", ";
+                    ZorWBAppendValueText(_out, ZorWBValue(e->GetParameter(i)));
+                }
+                _out += ")";
+                return;
+        }
+    }
+
+    void ExpandPlain(const ZorWBExpression* e) {
+        if (e->GetType() == Type::Variable) {
+            _out += const_cast<ZorWBVariable*>(static_cast<const ZorWBVariable*>(e))->GetName();
+        } else if (IsConstant(e)) {
+            ZorWBAppendValueText(_out, e->GetExprValue());
+        } else if (IsInfix(e)) {
+            ExpandInfix(e);
+        } else if (Is(e, Type::UnaryMinus, 1)) {
+            Text("-");
+            Node(e->GetChild(0), Form::Plain, BindingOf(e->GetChild(0)) < Binding::Unary);
+        } else if (Is(e, Type::IfThenElse, 3)) {
+            Text("if (");
+            Node(e->GetChild(0), Form::Condition);
+            Text(") then (");
+            Node(e->GetChild(1));
+            Text(") else (");
+            Node(e->GetChild(2));
+            Text(")");
+        } else if (IsBoolean(e)) {
+            Node(e, Form::Condition, true);
+        } else if (Is(e, Type::Step, 1)) {
+            Node(e, Form::CallName);
+            Node(e->GetChild(0));
+            Node(e, Form::StepParameters);
+        } else {
+            Node(e, Form::CallName);
+            for (int i = 0; i < Count(e); ++i) {
+                if (i > 0) Text(", ");
+                Node(e->GetChild(i));
+            }
+            Text(")");
+        }
+    }
+
+    void ExpandInfix(const ZorWBExpression* e) {
+        switch (e->GetType()) {
+            case Type::Sum:
+                Operand(e, e->GetChild(0), true);
+                for (int i = 1; i < Count(e); ++i) {
+                    const ZorWBExpression* term = e->GetChild(i);
+                    if (IsNegatedShape(term)) {
+                        Text(" - ");
+                        Node(term, Form::Negated, NegatedBindingOf(term) <= Binding::Additive);
+                    } else {
+                        Text(" + ");
+                        Operand(e, term, false);
+                    }
+                }
+                return;
+            case Type::Product:
+                if (IsPlainNegation(e, false)) {
+                    Text("-");
+                    Node(e->GetChild(1), Form::Plain, BindingOf(e->GetChild(1)) < Binding::Unary);
+                    return;
+                }
+                Operand(e, e->GetChild(0), true);
+                ProductRest(e);
+                return;
+            case Type::Root:  // x ^ (1 / n)
+                Node(e->GetChild(0), Form::Plain,
+                     ZorWBNeedsBrackets(Type::Power, true, BindingOf(e->GetChild(0))));
+                Text(" ^ (1 / ");
+                Node(e->GetChild(1), Form::Plain,
+                     ZorWBNeedsBrackets(Type::Quotient, false, BindingOf(e->GetChild(1))));
+                Text(")");
+                return;
+            default:  // Quotient, Power
+                Operand(e, e->GetChild(0), true);
+                Text(e->GetType() == Type::Quotient ? " / " : " ^ ");
+                Operand(e, e->GetChild(1), false);
+                return;
+        }
+    }
+
+    void ProductRest(const ZorWBExpression* e) {
+        for (int i = 1; i < Count(e); ++i) {
+            Text(" * ");
+            Operand(e, e->GetChild(i), false);
+        }
+    }
+
+    // The negation of a negated shape, without its minus sign.
+    void ExpandNegated(const ZorWBExpression* e) {
+        if (IsConstant(e)) {
+            ZorWBAppendNegatedText(_out, e->GetExprValue());
+        } else if (IsPlainNegation(e, true)) {
+            Node(e->GetChild(1));
+        } else if (e->GetType() == Type::Product) {
+            Node(e->GetChild(0), Form::Negated);
+            ProductRest(e);
+        } else {  // a quotient
+            Node(e->GetChild(0), Form::Negated);
+            Text(" / ");
+            Operand(e, e->GetChild(1), false);
+        }
+    }
+
+    void Comparison(const ZorWBExpression* e, const char* symbol) {
+        Node(e->GetChild(0));
+        Text(symbol);
+        Node(e->GetChild(1));
+    }
+
+    // "a and b": a right operand that is itself compound is swapped with a
+    // simple left one, or else bracketed.
+    void Combination(const ZorWBExpression* left, Form leftForm, const char* symbol,
+                     const ZorWBExpression* right) {
+        bool swap = IsCompound(right) && !IsCompound(left);
+        if (swap) {
+            Node(right, Form::Condition);
+            Text(symbol);
+            Node(left, leftForm);
+        } else {
+            Node(left, leftForm);
+            Text(symbol);
+            Node(right, Form::Condition, IsCompound(right));
+        }
+    }
+
+    void ExpandCondition(const ZorWBExpression* e) {
+        if (Count(e) == 2) {
+            switch (e->GetType()) {
+                case Type::Equal:
+                    return Comparison(e, " == ");
+                case Type::NotEqual:
+                    return Comparison(e, " != ");
+                case Type::LessEqual:
+                    return Comparison(e, " <= ");
+                case Type::And:
+                    return Combination(e->GetChild(0), Form::Condition, " and ", e->GetChild(1));
+                case Type::Or:
+                    return Combination(e->GetChild(0), Form::Condition, " or ", e->GetChild(1));
+                case Type::Implication:
+                    return Combination(e->GetChild(0), Form::NegatedCondition, " or ",
+                                       e->GetChild(1));
+                default:
+                    break;
+            }
+        }
+        if (Is(e, Type::Not, 1)) {
+            // "!(...)" holds only a comparison, and drops the negation of ==.
+            const ZorWBExpression* negated = e->GetChild(0);
+            if (!Is(negated, Type::NotEqual, 2) && !Is(negated, Type::Not, 1))
+                return Node(negated, Form::NegatedCondition);
+            Text("!");
+            return Node(negated, Form::Condition, true);
+        }
+        ExpandPlain(e);
+    }
+
+    void ExpandNegatedCondition(const ZorWBExpression* e) {
+        if (Is(e, Type::LessEqual, 2)) return Comparison(e, " > ");
+        if (Is(e, Type::Equal, 2)) return Comparison(e, " != ");
+        if (Is(e, Type::NotEqual, 2)) return Comparison(e, " == ");
+        if (Is(e, Type::Not, 1)) return Node(e->GetChild(0), Form::Condition);
+        Text("!");
+        Node(e, Form::Condition, true);
+    }
+
+    ZorQelString& _out;
+    std::vector<Item> _pending;
+    std::vector<Item> _pieces;
+};
+
+const char* ExtremumComment(ZorWBEquationType type) {
+    switch (type) {
+        case ZorWBMinimize:
+            return "; /* minimize */";
+        case ZorWBMaximize:
+            return "; /* maximize */";
+        default:
+            return ";";
+    }
+}
+
+void AppendEquation(ZorQelString& out, const ZorWBEquation& equation) {
+    Printer printer(out);
+    const ZorWBExpression* root = equation.GetRoot();
+    const char* relation = ZorWBRelationText(equation.GetType());
+    if (!relation) {
+        printer.Node(root);
+        printer.Text(ExtremumComment(equation.GetType()));
+    } else if (root && Is(root, Type::Sum, 2) && IsNegatedShape(root->GetChild(1))) {
+        printer.Node(root->GetChild(0));
+        printer.Text(relation);
+        printer.Node(root->GetChild(1), Form::Negated);
+        printer.Text(";");
+    } else {
+        printer.Node(root);
+        printer.Text(relation);
+        printer.Text("0;");
+    }
+    printer.Run();
+}
+
+}  // namespace
+
+ZorQelString ZorWBEquationPrinter::Print(const ZorWBExpression* expression) {
+    ZorQelString text;
+    Printer printer(text);
+    printer.Node(expression);
+    printer.Run();
+    return text;
+}
+
+ZorQelString ZorWBEquationPrinter::PrintValue(const ZorWBValue& value) {
+    ZorQelString text;
+    ZorWBAppendValueText(text, value);
+    return text;
+}
+
+ZorQelString ZorWBEquationPrinter::Print(const ZorWBEquation* equation) {
+    ZorQelString text;
+    if (equation) AppendEquation(text, *equation);
+    return text;
+}
+
+ZorQelString ZorWBEquationPrinter::Print(const ZorWBFactory& factory) {
+    ZorQelString text;
+    for (int i = 0; i < factory.GetNbOfEquations(); ++i) {
+        AppendEquation(text, *factory.GetEquation(i));
+        text += "\n";
+    }
+    return text;
+}

@@ -1,0 +1,458 @@
+// Conversion of a parsed model into factory expressions and equations.
+
+#include <climits>
+#include <cmath>
+#include <exception>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "expressions/ZorWBEquation.h"
+#include "expressions/ZorWBFactory.h"
+#include "parser/ZorWBModel.h"
+#include "parser/ZorWBModelHomogeneity.h"
+#include "parser/ZorWBParserResult.h"
+#include "values/ZorWBValueFunctions.h"
+
+namespace {
+
+using Type = ZorWBExpressionType;
+
+// The largest integer the values hold as a finite integer.
+constexpr long long LargestFiniteInteger = 2147483646;
+
+bool IsDefinite(ZorWBUnitKind kind) {
+    return kind == ZorWBUnitKind::Distance || kind == ZorWBUnitKind::Angle;
+}
+
+constexpr ZorWBUnitFactor NoFactor = {1.0, 1.0};
+
+bool IsOne(const ZorWBUnitFactor& factor) {
+    return factor.multiplier == factor.divisor;
+}
+
+// An integer factor that an integer constant can hold.
+bool IsIntegral(const ZorWBUnitFactor& factor) {
+    return factor.divisor == 1.0 && std::floor(factor.multiplier) == factor.multiplier &&
+           std::fabs(factor.multiplier) <= LargestFiniteInteger;
+}
+
+// A value written in a unit, in base units: an integer while both the value
+// and the factor are integers and the product stays finite, a real otherwise.
+ZorWBValue Scale(const ZorWBValue& value, const ZorWBUnitFactor& factor) {
+    if (value.GetType() == ZorWBIntegerType && IsIntegral(factor)) {
+        long long product = static_cast<long long>(value.GetAsInteger()) *
+                            static_cast<long long>(factor.multiplier);
+        if (product >= -LargestFiniteInteger && product <= LargestFiniteInteger)
+            return ZorWBValue(static_cast<int>(product));
+    }
+    return ZorWBValue(value.GetAsReal() * factor.multiplier / factor.divisor);
+}
+
+// Whether an equation's right term is the plain integer 0, which adds
+// nothing to the root.
+bool IsPlainZero(const ZorWBNode* term) {
+    if (!term || term->GetNodeKind() != ZorWBConstantNode || term->HasUnit()) return false;
+    const ZorWBValue& value = static_cast<const ZorWBConstNode*>(term)->GetValue();
+    return value.GetType() == ZorWBIntegerType && value.GetAsInteger() == 0;
+}
+
+// Operators whose operands are quantities of one kind: an ambiguous mark
+// among them reads as the kind of the others.
+bool ComparesItsOperands(Type type) {
+    switch (type) {
+        case Type::Sum:
+        case Type::Minus:
+        case Type::Min:
+        case Type::Max:
+        case Type::Dim:
+        case Type::Mod:
+        case Type::Equal:
+        case Type::NotEqual:
+        case Type::LessEqual:
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+// One conversion run: the factory, the options, the variables found so far
+// and, for the ambiguous unit marks, the unit kinds of the equation's nodes.
+class ZorWBModelConversion {
+  public:
+    ZorWBModelConversion(ZorWBModel& model, ZorWBFactory& factory, bool applyUnits,
+                         const ZorWBVarNodeTable* variableNodes,
+                         const ZorWBVariableTable* variables)
+        : _model(model),
+          _factory(factory),
+          _applyUnits(applyUnits),
+          _variableNodes(variables ? variableNodes : nullptr),
+          _variables(variableNodes ? variables : nullptr) {
+        _model._failedNode = nullptr;
+    }
+
+    // The equation whose terms are converted next: its terms' kinds decide
+    // the ambiguous marks that nothing inside a term decides.
+    void BeginEquation(const ZorWBEqNode* equation) {
+        _kinds.clear();
+        _contextAbove.clear();
+        _left = equation->GetLeftTerm();
+        _right = equation->GetRightTerm();
+        _leftKind = KindOfTerm(_left);
+        _rightKind = KindOfTerm(_right);
+    }
+
+    // The root that the equation gets.
+    ZorWBExpression* ConvertEquation(const ZorWBEqNode* equation) {
+        ZorWBExpression* left = nullptr;
+        if (Convert(equation->GetLeftTerm(), left) != ZorWBParserResult::Success) return nullptr;
+        const ZorWBNode* rightTerm = equation->GetRightTerm();
+        if (!rightTerm || IsPlainZero(rightTerm)) return left;
+        ZorWBExpression* right = nullptr;
+        if (Convert(rightTerm, right) != ZorWBParserResult::Success) return nullptr;
+        ZorWBExpression* root = _factory.CreateSub(left, right);
+        if (!root) Fail(equation);
+        return root;
+    }
+
+    int Convert(const ZorWBNode* root, ZorWBExpression*& result) {
+        result = nullptr;
+        if (root && root->GetNodeKind() == ZorWBEquationNode)
+            return ZorWBParserResult::NotApplicable;
+        if (!root) return Fail(root);
+        struct Frame {
+            const ZorWBNode* node;
+            int next;
+        };
+        std::vector<Frame> pending{{root, 0}};
+        std::vector<ZorWBExpression*> made;
+        while (!pending.empty()) {
+            Frame& frame = pending.back();
+            const ZorWBNode* node = frame.node;
+            if (node->IsOperator() && frame.next < node->GetNbOfChildren()) {
+                const ZorWBNode* child = node->GetChild(frame.next++);
+                if (!child || child->GetNodeKind() == ZorWBEquationNode) return Fail(node);
+                pending.push_back({child, 0});
+                continue;
+            }
+            pending.pop_back();
+            ZorWBExpression* expression = Make(node, made);
+            if (!expression) return Fail(node);
+            made.push_back(expression);
+        }
+        result = made.back();
+        return ZorWBParserResult::Success;
+    }
+
+    int ConvertVariable(const ZorWBVarNode* node, ZorWBVariable*& result) {
+        result = FindVariable(node);
+        return result ? ZorWBParserResult::Success : Fail(node);
+    }
+
+    int Fail(const ZorWBNode* node) {
+        _model._failedNode = node;
+        return ZorWBParserResult::Failure;
+    }
+
+  private:
+    // The expression of a node whose children are the last entries of made
+    // (which it takes off).
+    ZorWBExpression* Make(const ZorWBNode* node, std::vector<ZorWBExpression*>& made) {
+        switch (node->GetNodeKind()) {
+            case ZorWBConstantNode:
+                return MakeConstant(*static_cast<const ZorWBConstNode*>(node));
+            case ZorWBVariableNode:
+                return WithUnit(node, FindVariable(static_cast<const ZorWBVarNode*>(node)));
+            case ZorWBOperatorNode: {
+                int n = node->GetNbOfChildren();
+                std::size_t first = made.size() - static_cast<std::size_t>(n);
+                ZorWBExpression* expression =
+                    MakeOperator(*static_cast<const ZorWBOpNode*>(node), n, made.data() + first);
+                made.resize(first);
+                return WithUnit(node, expression);
+            }
+            default:
+                return nullptr;
+        }
+    }
+
+    ZorWBExpression* MakeConstant(const ZorWBConstNode& node) {
+        ZorWBUnitFactor factor = NoFactor;
+        if (!UnitFactor(node, factor)) return nullptr;
+        if (IsOne(factor)) return _factory.CreateConstant(node.GetValue());
+        return _factory.CreateConstant(Scale(node.GetValue(), factor));
+    }
+
+    ZorWBExpression* MakeOperator(const ZorWBOpNode& node, int n, ZorWBExpression* const* args) {
+        switch (node.GetType()) {
+            case Type::Minus:
+                return n == 2 ? _factory.CreateSub(args[0], args[1]) : nullptr;
+            case Type::UnaryMinus:
+                return n == 1 ? Negate(args[0]) : nullptr;
+            case Type::BlackBox:
+                return CallBlackBox(node, n, args);
+            case Type::LessEqual:
+                return n == 2 ? Compare(node.GetComparisonType(), args[0], args[1]) : nullptr;
+            default:
+                return _factory.CreateOperator(node.GetType(), n, args);
+        }
+    }
+
+    ZorWBExpression* Compare(ZorWBComparisonType comparison, ZorWBExpression* a,
+                             ZorWBExpression* b) {
+        switch (comparison) {
+            case ZorWBComparisonLess:
+                return _factory.CreateLess(a, b);
+            case ZorWBComparisonGreaterEqual:
+                return _factory.CreateGreaterEqual(a, b);
+            case ZorWBComparisonGreater:
+                return _factory.CreateGreater(a, b);
+            default:  // <=, and a LessEqual node made without a comparison type
+                return _factory.CreateLessEqual(a, b);
+        }
+    }
+
+    // -e with the sign folded into a constant operand or into the leading
+    // constant of a product; the node replaced by the folded one is removed.
+    ZorWBExpression* Negate(ZorWBExpression* e) {
+        const ZorWBEnvironment& environment = _factory.GetEnvironment();
+        if (e->GetType() == Type::Constant) {
+            ZorWBValue negated = ZorWBMul(environment, e->GetExprValue(), ZorWBValue(-1));
+            ZorWBExpression* constant = _factory.CreateConstant(negated);
+            if (constant && constant != e) _factory.RemoveExpression(e);
+            return constant;
+        }
+        int n = e->GetNbOfChildren();
+        ZorWBExpression* first = e->GetChild(0);
+        if (e->GetType() == Type::Product && n >= 2 && first->GetType() == Type::Constant) {
+            std::vector<ZorWBExpression*> factors;
+            factors.reserve(static_cast<std::size_t>(n));
+            factors.push_back(_factory.CreateConstant(
+                ZorWBMul(environment, first->GetExprValue(), ZorWBValue(-1))));
+            for (int i = 1; i < n; ++i)
+                factors.push_back(e->GetChild(i));
+            ZorWBExpression* product = _factory.CreateProduct(n, factors.data());
+            if (product) _factory.RemoveExpression(e);
+            return product;
+        }
+        return _factory.CreateProduct(_factory.CreateIntegerConstant(-1), e);
+    }
+
+    ZorWBExpression* CallBlackBox(const ZorWBOpNode& node, int n, ZorWBExpression* const* args) {
+        ZorWBBlackBox* blackBox = node.GetBlackBox();
+        if (!blackBox) return nullptr;
+        if (ZorWBEquation* equation = _factory.GetEquationByName(blackBox->GetName())) {
+            ZorQelIntArray theoretical;
+            equation->GetTheoreticalVarList(&theoretical);
+            if (theoretical.GetSize() != n) return nullptr;
+        }
+        return _factory.DeclareBlackBox(blackBox, n, args, blackBox->IsInternal());
+    }
+
+    ZorWBVariable* FindVariable(const ZorWBVarNode* node) {
+        if (!node) return nullptr;
+        if (_variableNodes) {
+            ZorWBVariable* variable = _variables->Get(ZorWBModel::Locate(node, *_variableNodes));
+            return variable && variable->GetFactory() == &_factory ? variable : nullptr;
+        }
+        if (!_namesIndexed) {
+            for (int i = 0; i < _factory.GetNbOfVariables(); ++i) {
+                ZorWBVariable* variable = _factory.GetVariable(i);
+                _variablesByName.emplace(variable->GetName().GetStdString(), variable);
+            }
+            _namesIndexed = true;
+        }
+        const std::string& name = node->GetName().GetStdString();
+        auto known = _variablesByName.find(name);
+        if (known != _variablesByName.end()) return known->second;
+        ZorWBVariable* variable = _factory.CreateVariable();
+        if (!variable) return nullptr;
+        variable->SetName(node->GetName());
+        _variablesByName.emplace(name, variable);
+        return variable;
+    }
+
+    // A node other than a number carrying a unit: its expression times the
+    // unit's factor, the factor leading.
+    ZorWBExpression* WithUnit(const ZorWBNode* node, ZorWBExpression* expression) {
+        ZorWBUnitFactor factor = NoFactor;
+        if (!expression || !UnitFactor(*node, factor)) return nullptr;
+        if (IsOne(factor)) return expression;
+        ZorWBExpression* constant =
+            IsIntegral(factor) ? _factory.CreateIntegerConstant(static_cast<int>(factor.multiplier))
+                               : _factory.CreateRealConstant(factor.multiplier / factor.divisor);
+        return _factory.CreateProduct(constant, expression);
+    }
+
+    // The factor of the node's unit (1 without one, or without applying
+    // units); false for an unknown unit.
+    bool UnitFactor(const ZorWBNode& node, ZorWBUnitFactor& factor) {
+        factor = NoFactor;
+        if (!_applyUnits || !node.HasUnit()) return true;
+        ZorWBUnitKind context = node.GetUnitKindCode() == ZorWBUnitKind::Ambiguous
+                                    ? MarkContext(&node)
+                                    : ZorWBUnitKind::None;
+        return ZorWBGetUnitFactor(node.GetUnitName(), context, factor);
+    }
+
+    // -------------------------------------------------- ambiguous marks
+
+    ZorWBUnitKind KindOfTerm(const ZorWBNode* term) {
+        if (!term) return ZorWBUnitKind::None;
+        bool constant = false;
+        return ZorWBModelHomogeneity::ComputeKind(term, constant, &_kinds);
+    }
+
+    ZorWBUnitKind KindOf(const ZorWBNode* node) const {
+        auto known = _kinds.find(node);
+        return known == _kinds.end() ? ZorWBUnitKind::None : known->second;
+    }
+
+    // The kind that an ambiguous mark on node takes, found walking up (see
+    // the conversion notes in ZorWBModel.h). What is found from a node
+    // upward is remembered for every node on the way, so that the marks of a
+    // long chain are decided in linear time.
+    ZorWBUnitKind MarkContext(const ZorWBNode* node) {
+        std::vector<const ZorWBNode*> path;
+        ZorWBUnitKind decided = ZorWBUnitKind::Angle;
+        for (const ZorWBNode* current = node;; current = current->GetParentNode()) {
+            auto known = _contextAbove.find(current);
+            if (known != _contextAbove.end()) {
+                decided = known->second;
+                break;
+            }
+            path.push_back(current);
+            const ZorWBNode* parent = current->GetParentNode();
+            ZorWBUnitKind found = parent ? KindBeside(*parent, current) : KindAcross(current);
+            if (!parent || IsDefinite(found)) {
+                if (IsDefinite(found)) decided = found;
+                break;
+            }
+        }
+        for (const ZorWBNode* visited : path)
+            _contextAbove[visited] = decided;
+        return decided;
+    }
+
+    // The first definite kind among the operands of parent other than child,
+    // for operators whose operands share a kind.
+    ZorWBUnitKind KindBeside(const ZorWBNode& parent, const ZorWBNode* child) {
+        if (parent.GetNodeKind() != ZorWBOperatorNode) return ZorWBUnitKind::None;
+        Type type = static_cast<const ZorWBOpNode&>(parent).GetType();
+        bool branches = type == Type::IfThenElse;
+        if (!branches && !ComparesItsOperands(type)) return ZorWBUnitKind::None;
+        if (branches && child == parent.GetChild(0)) return ZorWBUnitKind::None;
+        EnsureKinds(parent);
+        for (int i = branches ? 1 : 0; i < parent.GetNbOfChildren(); ++i) {
+            const ZorWBNode* other = parent.GetChild(i);
+            if (other != child && IsDefinite(KindOf(other))) return KindOf(other);
+        }
+        return ZorWBUnitKind::None;
+    }
+
+    // For the top of a term: the kind of the equation's other term.
+    ZorWBUnitKind KindAcross(const ZorWBNode* term) const {
+        if (term == _left) return _rightKind;
+        if (term == _right) return _leftKind;
+        return ZorWBUnitKind::None;
+    }
+
+    // Computes the kinds of the term holding node when a subtree is
+    // converted on its own, outside FillFactory.
+    void EnsureKinds(const ZorWBNode& node) {
+        if (_kinds.count(&node)) return;
+        const ZorWBNode* top = &node;
+        while (top->GetParentNode())
+            top = top->GetParentNode();
+        KindOfTerm(top);
+    }
+
+    ZorWBModel& _model;
+    ZorWBFactory& _factory;
+    bool _applyUnits;
+    const ZorWBVarNodeTable* _variableNodes;
+    const ZorWBVariableTable* _variables;
+    std::unordered_map<std::string, ZorWBVariable*> _variablesByName;
+    bool _namesIndexed = false;
+
+    ZorWBModelHomogeneity::NodeKinds _kinds;
+    std::unordered_map<const ZorWBNode*, ZorWBUnitKind> _contextAbove;
+    const ZorWBNode* _left = nullptr;
+    const ZorWBNode* _right = nullptr;
+    ZorWBUnitKind _leftKind = ZorWBUnitKind::None;
+    ZorWBUnitKind _rightKind = ZorWBUnitKind::None;
+};
+
+namespace {
+
+// Converts the model's equations in order and hands each one with its root
+// to take, which answers false when it cannot use it. Stops at the first
+// failure.
+template <class Take>
+int ConvertEquations(const ZorWBModel& model, ZorWBModelConversion& conversion, Take&& take) try {
+    for (const ZorWBEqNode* equation = model.GetFirstEquation(); equation;
+         equation = equation->GetNext()) {
+        conversion.BeginEquation(equation);
+        ZorWBExpression* root = conversion.ConvertEquation(equation);
+        if (!root) return ZorWBParserResult::Failure;
+        if (!take(equation, root)) return conversion.Fail(equation);
+    }
+    return ZorWBParserResult::Success;
+} catch (const std::exception&) {
+    return ZorWBParserResult::Failure;
+}
+
+}  // namespace
+
+int ZorWBModel::FillFactory(ZorWBFactory& factory, ZorQelIntArray& equationIds, bool applyUnits,
+                            const ZorWBVarNodeTable* variableNodes,
+                            const ZorWBVariableTable* variables) {
+    ZorWBModelConversion conversion(*this, factory, applyUnits, variableNodes, variables);
+    return ConvertEquations(
+        *this, conversion, [&](const ZorWBEqNode* equation, ZorWBExpression* root) {
+            ZorWBEquation* added = factory.AddEquation(root, equation->GetWBEqType());
+            if (added) equationIds.Add(added->GetId());
+            return added != nullptr;
+        });
+}
+
+int ZorWBModel::FillFactory(ZorWBFactory& factory, bool applyUnits,
+                            const ZorWBVarNodeTable* variableNodes,
+                            const ZorWBVariableTable* variables,
+                            ZorQelArray<ZorWBExpression*>& expressions) {
+    ZorWBModelConversion conversion(*this, factory, applyUnits, variableNodes, variables);
+    return ConvertEquations(*this, conversion, [&](const ZorWBEqNode*, ZorWBExpression* root) {
+        expressions.Add(root);
+        return true;
+    });
+}
+
+int ZorWBModel::ConvertNodeToExpr(const ZorWBNode* node, ZorWBFactory& factory,
+                                  ZorWBExpression*& expression, bool applyUnits,
+                                  const ZorWBVarNodeTable* variableNodes,
+                                  const ZorWBVariableTable* variables) try {
+    expression = nullptr;
+    ZorWBModelConversion conversion(*this, factory, applyUnits, variableNodes, variables);
+    return conversion.Convert(node, expression);
+} catch (const std::exception&) {
+    expression = nullptr;
+    return ZorWBParserResult::Failure;
+}
+
+int ZorWBModel::ConvertVarNodeToExpr(const ZorWBVarNode* node, ZorWBFactory& factory,
+                                     ZorWBVariable*& variable,
+                                     const ZorWBVarNodeTable* variableNodes,
+                                     const ZorWBVariableTable* variables) try {
+    variable = nullptr;
+    ZorWBModelConversion conversion(*this, factory, true, variableNodes, variables);
+    return conversion.ConvertVariable(node, variable);
+} catch (const std::exception&) {
+    variable = nullptr;
+    return ZorWBParserResult::Failure;
+}
+
+int ZorWBModel::Locate(const ZorWBVarNode* node, const ZorWBVarNodeTable& table) {
+    return node ? table.Find(const_cast<ZorWBVarNode*>(node)) : -1;
+}

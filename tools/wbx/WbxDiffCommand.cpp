@@ -1,0 +1,49 @@
+// wbx diff FILE --wrt NAME: the derivative of every equation root with
+// respect to the variable NAME, one a line, each as a statement of the
+// equation language followed by a comment naming it:
+//   2 * x; /* d eq0 / d x */
+// so that the output is itself a model. A root without a derivative (a
+// black-box call without derivative, for instance) gets the line
+// "/* d eq0 / d x: none */" and makes the exit status 1. Exit status 2 for a
+// missing argument, an unknown variable or a file that cannot be read or has
+// diagnostics.
+
+#include "WbxCommand.h"
+#include "WbxModelFile.h"
+#include "expressions/ZorWBEquation.h"
+#include "output/ZorWBEquationPrinter.h"
+
+int WbxDiffCommand(WbxContext& context) {
+    std::string path, name;
+    const std::vector<std::string>& arguments = context.arguments;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == "--wrt") {
+            if (i + 1 == arguments.size()) return WbxUsageError(context, "--wrt needs a NAME");
+            name = arguments[++i];
+        } else if (arguments[i].rfind("--", 0) == 0 || !path.empty()) {
+            return WbxUsageError(context, "unexpected argument '" + arguments[i] + "'");
+        } else {
+            path = arguments[i];
+        }
+    }
+    if (path.empty() || name.empty()) return WbxUsageError(context, "diff needs FILE --wrt NAME");
+    WbxModelFile file;
+    if (file.Load(context, path) != WbxExit::Success) return WbxExit::Usage;
+    ZorWBFactory& factory = file.GetFactory();
+    ZorWBVariable* variable = factory.GetVariable(ZorQelString(name));
+    if (!variable) return WbxUsageError(context, "unknown variable '" + name + "'");
+    int status = WbxExit::Success;
+    for (int i = 0; i < factory.GetNbOfEquations(); ++i) {
+        ZorWBEquation* equation = factory.GetEquation(i);
+        std::string label = std::string("d ") + equation->GetName().GetString() + " / d " + name;
+        ZorWBExpression* derivative = factory.CreateDerivative(equation->GetRoot(), variable);
+        if (derivative) {
+            context.out << ZorWBEquationPrinter::Print(derivative).GetString() << "; /* " << label
+                        << " */\n";
+        } else {
+            context.out << "/* " << label << ": none */\n";
+            status = WbxExit::Failure;
+        }
+    }
+    return status;
+}
