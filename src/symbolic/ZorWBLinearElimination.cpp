@@ -83,7 +83,8 @@ bool ZorWBLinearElimination::CollectPass() {
                 ZorWBSymbolicTransformations::Trace(ZorQelString("::FillValues() ") +
                                                     ZorWBDebug::ExpStr(root) + "\n");
             _forms.emplace_back();
-            _forms.back().FillValues(_factory, root);
+            _forms.back().FillValues(_factory,
+                                     ZorWBLinearForm::MergeRepeatedVariables(_factory, root));
             std::vector<int> present;
             for (const ZorWBLinearForm::Entry& entry : _forms.back().GetEntries())
                 present.push_back(entry.variable);

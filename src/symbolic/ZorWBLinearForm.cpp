@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <exception>
+#include <unordered_map>
+#include <utility>
 
 #include "debug/ZorWBDebug.h"
 #include "expressions/ZorWBFactory.h"
@@ -31,6 +33,21 @@ bool IsCoefficientTimesVariable(const ZorWBExpression* e, const ZorWBVariable*& 
     if (a->GetType() != Type::Constant || b->GetType() != Type::Variable) return false;
     variable = static_cast<const ZorWBVariable*>(b);
     coefficient = &a->GetExprValue();
+    return true;
+}
+
+// A variable (coefficient 1) or a constant times a variable.
+bool TermOfVariable(const ZorWBExpression* e, int& variable, ZorWBValue& coefficient) {
+    const ZorWBVariable* x = nullptr;
+    const ZorWBValue* value = nullptr;
+    if (e && e->GetType() == Type::Variable) {
+        variable = static_cast<const ZorWBVariable*>(e)->GetIdx();
+        coefficient = ZorWBValue(1);
+        return true;
+    }
+    if (!IsCoefficientTimesVariable(e, x, value)) return false;
+    variable = x->GetIdx();
+    coefficient = *value;
     return true;
 }
 
@@ -281,6 +298,50 @@ bool ZorWBLinearForm::FillValues(ZorWBFactory& factory, ZorWBExpression* root) t
 } catch (const std::exception&) {
     Reset(_nbOfVariables);
     return false;
+}
+
+ZorWBExpression* ZorWBLinearForm::MergeRepeatedVariables(ZorWBFactory& factory,
+                                                         ZorWBExpression* root) try {
+    if (!root || root->GetType() != Type::Sum) return root;
+    const ZorWBEnvironment& environment = factory.GetEnvironment();
+    int n = root->GetNbOfChildren();
+    // The variable of each child that is a term of one (-1 otherwise), and
+    // for each variable its first term and the sum of its coefficients.
+    std::vector<int> variableOf(static_cast<std::size_t>(n), -1);
+    std::unordered_map<int, std::pair<int, ZorWBValue>> totals;
+    bool repeated = false;
+    for (int i = 0; i < n; ++i) {
+        int v = -1;
+        ZorWBValue coefficient;
+        if (!TermOfVariable(root->GetChild(i), v, coefficient)) continue;
+        variableOf[std::size_t(i)] = v;
+        auto entry = totals.emplace(v, std::make_pair(i, coefficient));
+        if (entry.second) continue;
+        repeated = true;
+        ZorWBValue& total = entry.first->second.second;
+        if (!ZorWBConstantArithmetic::Sum(environment, total, coefficient, true, total))
+            return root;
+    }
+    if (!repeated) return root;
+    std::vector<ZorWBExpression*> children;
+    for (int i = 0; i < n; ++i) {
+        int v = variableOf[std::size_t(i)];
+        if (v < 0) {
+            children.push_back(root->GetChild(i));
+            continue;
+        }
+        const std::pair<int, ZorWBValue>& entry = totals[v];
+        if (entry.first != i || ZorWBConstantArithmetic::IsExactly(entry.second, 0.0)) continue;
+        ZorWBExpression* x = factory.GetVariable(v);
+        bool one = entry.second.IsAKindOf(ZorWBIntegerType) && entry.second.GetAsInteger() == 1;
+        children.push_back(one ? x
+                               : factory.CreateProduct(factory.CreateConstant(entry.second), x));
+    }
+    if (children.empty()) return factory.CreateIntegerConstant(0);
+    if (children.size() == 1) return children.front();
+    return factory.CreateOperator(Type::Sum, static_cast<int>(children.size()), children.data());
+} catch (const std::exception&) {
+    return root;
 }
 
 bool ZorWBLinearForm::HasInexactCoefficient(const ZorWBEnvironment& environment) const {

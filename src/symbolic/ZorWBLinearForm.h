@@ -84,6 +84,13 @@ class ZORWBX_API ZorWBLinearForm {
     // variable that also occurs in them is moved there). False, with the form
     // reset, when no variable is left.
     bool FillValues(ZorWBFactory& factory, ZorWBExpression* root);
+    // A sum read term by term gives each variable its last term only; this
+    // gives root with the terms of each repeated variable merged into its
+    // first one (coefficients added, a term that cancels dropped), or root
+    // itself when no variable repeats. The factory does not merge like terms
+    // when it creates nodes, and the simplifier keeps x + x where 2 * x would
+    // be heavier, so the elimination merges them before FillValues.
+    static ZorWBExpression* MergeRepeatedVariables(ZorWBFactory& factory, ZorWBExpression* root);
     // Whether a general coefficient is not exact.
     bool HasInexactCoefficient(const ZorWBEnvironment& environment) const;
     // this_j := this_j + a_j * b for every variable j of row but p, where a_j

@@ -212,6 +212,7 @@ ZorWBExpression* ZorWBSimplifierEngine::SumOfTerms(std::vector<Term>& terms) {
     const ZorWBEnvironment& environment = Environment();
     std::vector<Term> constants;
     std::vector<Term> groups;
+    std::vector<Nodes> members;  // the terms of each group as given (null: scaled)
     std::unordered_map<std::uint64_t, std::vector<std::size_t>> buckets;
     for (Term& term : terms) {
         if (term.factors.empty()) {
@@ -227,6 +228,7 @@ ZorWBExpression* ZorWBSimplifierEngine::SumOfTerms(std::vector<Term>& terms) {
                 Arithmetic::Sum(environment, group.coefficient, term.coefficient, false, sum)) {
                 group.coefficient = sum;
                 group.node = nullptr;
+                members[g].push_back(term.node);
                 merged = true;
                 break;
             }
@@ -234,10 +236,12 @@ ZorWBExpression* ZorWBSimplifierEngine::SumOfTerms(std::vector<Term>& terms) {
         if (!merged) {
             bucket.push_back(groups.size());
             groups.push_back(term);
+            members.push_back({term.node});
         }
     }
     Nodes children;
-    for (const Term& group : groups) {
+    for (std::size_t g = 0; g < groups.size(); ++g) {
+        const Term& group = groups[g];
         if (!group.node && Arithmetic::IsExactly(group.coefficient, 0.0)) {
             // A cancelled term goes only where it was defined everywhere.
             bool total = std::all_of(group.factors.begin(), group.factors.end(),
@@ -246,7 +250,20 @@ ZorWBExpression* ZorWBSimplifierEngine::SumOfTerms(std::vector<Term>& terms) {
         }
         ZorWBExpression* child = MakeTerm(group);
         if (!child) return nullptr;
-        children.push_back(child);
+        // x + x + y stays: 2 * x has one node more than x + x (unless it
+        // replaces the whole sum).
+        const Nodes& given = members[g];
+        long long saving = groups.size() == 1 && constants.empty() ? 1 : 0;
+        bool separable =
+            given.size() > 1 && std::find(given.begin(), given.end(), nullptr) == given.end();
+        long long separate = 0;
+        for (const ZorWBExpression* member : given)
+            separate += member ? Weight(member) : 0;
+        if (separable && Weight(child) > separate + saving) {
+            children.insert(children.end(), given.begin(), given.end());
+        } else {
+            children.push_back(child);
+        }
     }
     std::stable_sort(children.begin(), children.end(),
                      [this](const ZorWBExpression* a, const ZorWBExpression* b) {
@@ -381,8 +398,14 @@ ZorWBExpression* ZorWBSimplifierEngine::NormaliseProduct(const Nodes& children) 
             total += member.second;
             negative = negative || member.second < 0;
         }
+        // x * x * y stays: x^2 * y has one node more (x * x alone becomes x^2).
+        long long separate = groups.size() == 1 && IsOne(coefficient) ? 1 : 0;
+        for (const auto& member : group.members)
+            separate += Weight(member.first);
+        long long together = Weight(group.base) + (total == 1 ? 0 : 2);
         bool mergeable = group.members.size() > 1 && total != 0 && (!negative || total < 0) &&
-                         total >= -ZorWBIntegerMax && total <= ZorWBIntegerMax;
+                         total >= -ZorWBIntegerMax && total <= ZorWBIntegerMax &&
+                         together <= separate;
         if (!mergeable) {
             for (const auto& member : group.members)
                 merged.push_back(member.first);

@@ -73,6 +73,17 @@ TEST_F(LinearFormTest, FillsFromRootShapes) {
     EXPECT_EQ(form.GetCoefficient(1).GetAsInteger(), 2);
     EXPECT_EQ(form.ToString(f), " + x + 2 * y + ##-7 ##\n");
 
+    // Merging the repeated variables first: 3x + x is 4x; 5y - 5y goes.
+    ZorWBExpression* repeated = f.CreateSum(
+        5,
+        std::vector<ZorWBExpression*>{Times(3, x), Times(5, y), Int(f, 2), x, Times(-5, y)}.data());
+    ZorWBExpression* merged = Form::MergeRepeatedVariables(f, repeated);
+    EXPECT_EQ(Text(merged), "Sum(Product(4, x), 2)");
+    ZorWBExpression* distinct = f.CreateSum(Times(2, x), y);
+    EXPECT_EQ(Form::MergeRepeatedVariables(f, distinct), distinct);
+    EXPECT_EQ(Form::MergeRepeatedVariables(f, x), x);
+    EXPECT_EQ(Text(Form::MergeRepeatedVariables(f, f.CreateSum(x, Times(-1, x)))), "0");
+
     // Constants alone give no form.
     EXPECT_FALSE(form.FillValues(f, f.CreateSum(Int(f, 2), Int(f, -2))));
     EXPECT_FALSE(form.HasRemainder());

@@ -264,7 +264,7 @@ TEST_F(SimplifierTest, WeightCountsTreeNodes) {
 TEST_F(SimplifierTest, DeepAndSharedGraphs) {
     // A chain far deeper than any call stack.
     ZorWBExpression* chain = x;
-    for (int i = 0; i < 200000; ++i)
+    for (int i = 0; i < 100000; ++i)
         chain = f.CreateSum(f.CreateSin(chain), Int(f, 1));
     ZorWBExpression* simplified = simplifier.Simplify(chain, false);
     ASSERT_NE(simplified, nullptr);

@@ -47,17 +47,12 @@ class RandomSystem {
     // sum c_i x_i (relation) b, with b placed so that the point satisfies it
     // with the given slack.
     void AddLinear(ZorWBEquationType type, double slack) {
-        // Distinct variables: the elimination reads a sum of terms as given
-        // (a later term of a variable replaces an earlier one), so repeated
-        // variables only make sense after simplification.
+        // Variables may repeat within one equation.
         std::vector<ZorWBExpression*> terms;
-        std::vector<int> used;
         double value = 0.0;
         for (int k = 1 + Index(3); k > 0; --k) {
             int i = 0;
             ZorWBVariable* v = Pick(i);
-            if (std::find(used.begin(), used.end(), i) != used.end()) continue;
-            used.push_back(i);
             int c = Index(9) - 4;
             if (c == 0) c = 1;
             terms.push_back(c == 1 ? static_cast<ZorWBExpression*>(v)

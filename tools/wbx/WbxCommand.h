@@ -34,6 +34,8 @@ int WbxCheckCommand(WbxContext& context);
 int WbxPrintCommand(WbxContext& context);
 int WbxEvalCommand(WbxContext& context);
 int WbxDiffCommand(WbxContext& context);
+int WbxTransformCommand(WbxContext& context);
+int WbxReplayCommand(WbxContext& context);
 
 // The tool's entry point, callable in-process by tests.
 int WbxMain(int argc, const char* const* argv, std::ostream& out, std::ostream& err);

@@ -19,6 +19,10 @@ const WbxCommand Commands[] = {
      "evaluates every equation and tells whether its relation holds", WbxEvalCommand},
     {"diff", "wbx diff FILE --wrt NAME",
      "prints the derivative of every equation root with respect to a variable", WbxDiffCommand},
+    {"transform", "wbx transform FILE [--mode N] [--only NAME]... [--replay OUT]",
+     "runs the symbolic transformations and prints the transformed system", WbxTransformCommand},
+    {"replay", "wbx replay FILE", "repeats a recorded transformation and compares its output",
+     WbxReplayCommand},
 };
 
 int ShowHelp(WbxContext& context) {
