@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "expressions/ZorWBConstant.h"
+#include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBOperator.h"
 #include "expressions/ZorWBVariable.h"
 #include "symbolic/ZorWBConstantArithmetic.h"
@@ -161,24 +162,13 @@ bool ZorWBSimplifierEngine::IntegerExponent(const ZorWBExpression* node, long lo
 // ------------------------------------------------------------ node facts
 
 const ZorWBSimplifierEngine::NodeInfo& ZorWBSimplifierEngine::Info(const ZorWBExpression* node) {
+    static const NodeInfo none;
+    if (!node) return none;
     auto found = _infos.find(node);
     if (found != _infos.end()) return found->second;
-    struct Frame {
-        const ZorWBExpression* node;
-        int next;
-    };
-    std::vector<Frame> stack{{node, 0}};
-    while (!stack.empty()) {
-        Frame& frame = stack.back();
-        const ZorWBExpression* current = frame.node;
-        if (frame.next < current->GetNbOfChildren()) {
-            const ZorWBExpression* child = current->GetChild(frame.next++);
-            if (child && _infos.find(child) == _infos.end()) stack.push_back({child, 0});
-            continue;
-        }
-        stack.pop_back();
-        if (_infos.find(current) == _infos.end()) _infos.emplace(current, ComputeInfo(current));
-    }
+    // Children first, each node once; the facts stay for later calls.
+    ZorWBGraphWalk::PostOrder<NodeInfo>(
+        node, _infos, [this](const ZorWBExpression* e) { return ComputeInfo(e); });
     return _infos.find(node)->second;
 }
 
