@@ -13,6 +13,8 @@ using ST = ZorWBSymbolicTransformations;
 // Opens the protected property operations for the tests.
 class OpenTransformations : public ZorWBSymbolicTransformationsNew {
   public:
+    using ST::Binarise;
+    using ST::Flatten;
     using ST::GetProperty;
     using ST::SetProperties;
     using ST::SetProperty;
@@ -197,7 +199,11 @@ TEST_F(TransformationsTest, OldEngineNeverReportsInconsistency) {
     f.AddEquation(f.CreateSub(x, Int(f, 2)), ZorWBEqualZero);
     ST* st = ZorCreateWBSymbolicTransformations(0, f);
     st->SetMode(18);
+    TraceCapture trace(1);
     st->Run();
+    // The old engine traces flattening from level 1, with "After: ".
+    EXPECT_NE(trace.Text().find("Before: Sum(x, -2)\nAfter: Sum(x, -2)\n"), std::string::npos)
+        << trace.Text();
     EXPECT_FALSE(st->AreInequalitiesInconsistent());
     EXPECT_EQ(Roots(f), (std::vector<std::string>{"1 >= 0", "Sum(x, -2)  = 0"}));
     ZorRemove(st);
@@ -247,6 +253,39 @@ TEST_F(TransformationsTest, FlatteningAppendsChildrenOfTheSameType) {
     EXPECT_NE(trace.Text().find("Before: Sin(Sum(Sum(x, y), z, Sum(w, 1)))\n"
                                 "After : Sin(Sum(z, w, 1, x, y))\n"),
               std::string::npos);
+}
+
+TEST_F(TransformationsTest, DeepRootsOfEveryStep) {
+    // Deep, but without a node shared by every level: the factory's clean-up
+    // of temporary nodes costs time in the number of parents of a node.
+    ZorWBExpression* chain = x;
+    for (int i = 0; i < 5000; ++i)
+        chain = f.CreateSum(f.CreateCos(chain), f.CreateRealConstant(0.25 * (i % 3)));
+    f.AddEquation(f.CreateSum(chain, y), ZorWBLessEqualZero);
+    f.AddEquation(f.CreateSub(y, Int(f, 2)), ZorWBEqualZero);
+    Run(2 + 4 + 8 + 16);
+    ASSERT_EQ(f.GetNbOfEquations(), 2);
+    x->SetExprValue(ZorWBValue(0.5));
+    double value = Evaluate(f.GetFirstEquation()->GetRoot());
+    EXPECT_FALSE(std::isnan(value));
+}
+
+TEST_F(TransformationsTest, WalksOfVeryDeepGraphs) {
+    OpenTransformations st(0, f);
+    st.SetMode(1);
+    ZorWBExpression* chain = x;
+    for (int i = 0; i < 200000; ++i) {
+        chain = f.CreateProduct(
+            3,
+            std::vector<ZorWBExpression*>{f.CreateSum(chain, y), f.CreateProduct(x, y), x}.data());
+    }
+    st.SetProperties(chain);
+    EXPECT_FALSE(st.GetProperty(chain, ST::ZorWBLinearProperty));
+    ZorWBExpression* flat = st.Flatten(chain);
+    EXPECT_EQ(flat->GetNbOfChildren(), 4);
+    ZorWBExpression* binary = st.Binarise(flat, true);
+    EXPECT_EQ(binary->GetNbOfChildren(), 2);
+    EXPECT_EQ(Text(binary->GetChild(1)), "y");
 }
 
 TEST_F(TransformationsTest, FinalNormalisationBelowItsLevel) {
