@@ -113,7 +113,7 @@ ZorWBValue ZorWBLinearForm::GetCoefficient(int j) const {
     return found->value;
 }
 
-void ZorWBLinearForm::SetCoefficient(int j, const ZorWBValue& value, unsigned int level) {
+void ZorWBLinearForm::SetCoefficient(int j, const ZorWBValue& value, unsigned int level) try {
     if (j < 0 || j >= _nbOfVariables) return;
     unsigned int kind = Classify(value, level);
     auto found = Find(j);
@@ -129,6 +129,7 @@ void ZorWBLinearForm::SetCoefficient(int j, const ZorWBValue& value, unsigned in
     } else {
         _entries.insert(found, Entry{j, kind, stored});
     }
+} catch (const std::exception&) {
 }
 
 void ZorWBLinearForm::SetKind(int j, unsigned int kind) {
@@ -351,7 +352,7 @@ bool ZorWBLinearForm::HasInexactCoefficient(const ZorWBEnvironment& environment)
 }
 
 void ZorWBLinearForm::ScaleCoefficients(const ZorWBEnvironment& environment, unsigned int level,
-                                        int p, const ZorWBValue& factor) {
+                                        int p, const ZorWBValue& factor) try {
     std::vector<Entry> scaled;
     scaled.reserve(_entries.size());
     for (const Entry& entry : _entries) {
@@ -365,11 +366,12 @@ void ZorWBLinearForm::ScaleCoefficients(const ZorWBEnvironment& environment, uns
             scaled.push_back({entry.variable, kind, kind == GeneralKind ? value : ZorWBValue()});
     }
     _entries.swap(scaled);
+} catch (const std::exception&) {
 }
 
 void ZorWBLinearForm::AddScaledRow(const ZorWBEnvironment& environment, unsigned int level,
                                    const ZorWBLinearForm& row, int p, const ZorWBValue& b,
-                                   std::vector<int>& appeared) {
+                                   std::vector<int>& appeared) try {
     std::vector<Entry> merged;
     merged.reserve(_entries.size() + row._entries.size());
     auto mine = _entries.begin();
@@ -391,9 +393,10 @@ void ZorWBLinearForm::AddScaledRow(const ZorWBEnvironment& environment, unsigned
     for (; mine != _entries.end(); ++mine)
         merged.push_back(*mine);
     _entries.swap(merged);
+} catch (const std::exception&) {
 }
 
-ZorQelString ZorWBLinearForm::ToString(ZorWBFactory& factory) const {
+ZorQelString ZorWBLinearForm::ToString(ZorWBFactory& factory) const try {
     ZorQelString text;
     for (const Entry& entry : _entries) {
         ZorWBVariable* variable = factory.GetVariable(entry.variable);
@@ -436,4 +439,6 @@ ZorQelString ZorWBLinearForm::ToString(ZorWBFactory& factory) const {
     }
     text += "\n";
     return text;
+} catch (const std::exception&) {
+    return ZorQelString();
 }

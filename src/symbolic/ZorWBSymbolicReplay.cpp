@@ -109,7 +109,7 @@ bool ZorWBSymbolicReplay::Replay(const ZorQelStorage& recorded, ZorQelString& di
 }
 
 ZorQelString ZorWBSymbolicReplay::FirstDifference(const ZorQelStorage& recorded,
-                                                  const ZorQelStorage& replayed) {
+                                                  const ZorQelStorage& replayed) try {
     std::vector<const ZorQelStorage::Section*> a = recorded.GetSections(ZorQelStorage::OutputPart);
     std::vector<const ZorQelStorage::Section*> b = replayed.GetSections(ZorQelStorage::OutputPart);
     for (std::size_t i = 0; i < a.size() || i < b.size(); ++i) {
@@ -125,4 +125,6 @@ ZorQelString ZorWBSymbolicReplay::FirstDifference(const ZorQelStorage& recorded,
         if (!body.IsEmpty()) return body;
     }
     return ZorQelString();
+} catch (const std::exception&) {
+    return "out of memory";
 }

@@ -19,9 +19,11 @@ ZorWBSymbolicTransformationsNew::ZorWBSymbolicTransformationsNew(unsigned int le
 
 ZorWBSymbolicTransformationsNew::~ZorWBSymbolicTransformationsNew() = default;
 
-bool ZorWBSymbolicTransformationsNew::SetEquationToSimplify(int id) {
+bool ZorWBSymbolicTransformationsNew::SetEquationToSimplify(int id) try {
     _equationsToSimplify.Add(id);
     return true;
+} catch (const std::exception&) {
+    return false;
 }
 
 bool ZorWBSymbolicTransformationsNew::IsEligible(const ZorWBEquation* equation) const {
@@ -142,11 +144,12 @@ void ZorWBSymbolicTransformationsNew::CheckInequalities() {
     }
 }
 
-void ZorWBSymbolicTransformationsNew::WriteInput(ZorQelStream& stream) {
+void ZorWBSymbolicTransformationsNew::WriteInput(ZorQelStream& stream) try {
     WriteInputSections(stream, &_equationsToSimplify);
+} catch (const std::exception&) {
 }
 
-void ZorWBSymbolicTransformationsNew::WriteOutput(ZorQelStream& stream) {
+void ZorWBSymbolicTransformationsNew::WriteOutput(ZorQelStream& stream) try {
     ZorWBSymbolicTransformations::WriteOutput(stream);
     if (_mode & CheckInequalitiesMode) {
         stream.GetStorage().AddSection("#!INCONSISTENCIES",
@@ -155,4 +158,5 @@ void ZorWBSymbolicTransformationsNew::WriteOutput(ZorQelStream& stream) {
     }
     AddSystemSections(stream, ZorQelStorage::OutputPart, nullptr);
     stream.WriteSections(ZorQelStorage::OutputPart);
+} catch (const std::exception&) {
 }

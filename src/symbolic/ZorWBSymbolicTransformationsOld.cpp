@@ -87,12 +87,14 @@ void ZorWBSymbolicTransformationsOld::ReleaseEliminationArrays() {
     _nbOfEliminationVariables = 0;
 }
 
-void ZorWBSymbolicTransformationsOld::WriteInput(ZorQelStream& stream) {
+void ZorWBSymbolicTransformationsOld::WriteInput(ZorQelStream& stream) try {
     WriteInputSections(stream, nullptr);
+} catch (const std::exception&) {
 }
 
-void ZorWBSymbolicTransformationsOld::WriteOutput(ZorQelStream& stream) {
+void ZorWBSymbolicTransformationsOld::WriteOutput(ZorQelStream& stream) try {
     ZorWBSymbolicTransformations::WriteOutput(stream);
     AddSystemSections(stream, ZorQelStorage::OutputPart, nullptr);
     stream.WriteSections(ZorQelStorage::OutputPart);
+} catch (const std::exception&) {
 }
