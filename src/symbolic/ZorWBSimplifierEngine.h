@@ -137,8 +137,6 @@ class ZorWBSimplifierEngine {
     ZorWBExpression* NormaliseSum(const Nodes& children);
     ZorWBExpression* NormaliseProduct(const Nodes& children);
     ZorWBExpression* NormaliseMinMax(ZorWBExpressionType type, const Nodes& children);
-    // k * a as a normalised term (k a numeric value).
-    ZorWBExpression* Scale(const ZorWBValue& k, ZorWBExpression* a);
 
     // Trigonometric pairs (ZorWBSimplifierTrigonometry.cpp).
     ZorWBExpression* CosTanRule(const ZorWBExpression* node, const Nodes& children);
@@ -166,7 +164,6 @@ class ZorWBSimplifierEngine {
     ZorWBExpression* ChildForPass(ZorWBSimplifierPass pass, const ZorWBExpression* node, int i);
     int NbOfChildrenForPass(ZorWBSimplifierPass pass, const ZorWBExpression* node) const;
     NodeInfo ComputeInfo(const ZorWBExpression* node);
-    void ComputeEligibility(const ZorQelBoolArray* dependencies, int n);
 
     ZorWBFactory& _factory;
     using Memo = std::unordered_map<const ZorWBExpression*, ZorWBExpression*>;

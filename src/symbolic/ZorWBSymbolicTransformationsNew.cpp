@@ -66,6 +66,7 @@ void ZorWBSymbolicTransformationsNew::PrepareEquation(ZorWBEquation* equation,
                                                       ZorWBSimplifier& simplifier) {
     equation->DuplicateRoot();
     ZorWBExpression* root = equation->GetRoot();
+    if (!root) return;
     SetProperties(root);
     if (_mode & (EliminateMode | SimplifyMode)) {
         if (TraceLevel() >= 2) Trace(ZorQelString("Before: ") + ZorWBDebug::ExpStr(root) + "\n");

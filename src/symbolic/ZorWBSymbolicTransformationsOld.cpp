@@ -71,7 +71,6 @@ void ZorWBSymbolicTransformationsOld::Eliminate(ZorWBSimplifier& simplifier) {
         ReleaseEliminationArrays();
         return;
     }
-    _nbOfEliminationVariables = n;
     ZorWBLinearElimination elimination(*this, simplifier, _expressionsForVariables,
                                        _variableDependencies, n);
     elimination.Run(false, nullptr);
@@ -84,7 +83,6 @@ void ZorWBSymbolicTransformationsOld::ReleaseEliminationArrays() {
     delete[] _variableDependencies;
     _expressionsForVariables = nullptr;
     _variableDependencies = nullptr;
-    _nbOfEliminationVariables = 0;
 }
 
 void ZorWBSymbolicTransformationsOld::WriteInput(ZorQelStream& stream) try {

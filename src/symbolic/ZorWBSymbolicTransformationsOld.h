@@ -5,6 +5,7 @@
 #include "symbolic/ZorWBSymbolicTransformations.h"
 
 class ZorQelBoolArray;
+class ZorWBSimplifier;
 
 // The previous engine, kept so that replays made with it give the same
 // results. Every equation takes part (no list of equations to simplify), the
@@ -24,13 +25,12 @@ class ZORWBX_API ZorWBSymbolicTransformationsOld : public ZorWBSymbolicTransform
     void WriteOutput(ZorQelStream& stream) override;
 
   private:
-    void Eliminate(class ZorWBSimplifier& simplifier);
+    void Eliminate(ZorWBSimplifier& simplifier);
     void ReleaseEliminationArrays();
 
     // Allocated for the elimination step only.
     ZorWBExpression** _expressionsForVariables = nullptr;
     ZorQelBoolArray* _variableDependencies = nullptr;
-    int _nbOfEliminationVariables = 0;
 };
 
 #endif
