@@ -51,6 +51,13 @@
 
 #include "output/ZorWBEquationPrinter.h"
 
+#include "symbolic/ZorWBLinearForm.h"
+#include "symbolic/ZorWBSimplifier.h"
+#include "symbolic/ZorWBSymbolicReplay.h"
+#include "symbolic/ZorWBSymbolicTransformations.h"
+#include "symbolic/ZorWBSymbolicTransformationsNew.h"
+#include "symbolic/ZorWBSymbolicTransformationsOld.h"
+
 #include "debug/ZorWBDebug.h"
 
 #endif

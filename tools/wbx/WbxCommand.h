@@ -37,6 +37,8 @@ int WbxDiffCommand(WbxContext& context);
 int WbxJsonCommand(WbxContext& context);
 int WbxGraphCommand(WbxContext& context);
 int WbxReplayWriteCommand(WbxContext& context);
+int WbxTransformCommand(WbxContext& context);
+int WbxReplayCommand(WbxContext& context);
 
 // The tool's entry point, callable in-process by tests.
 int WbxMain(int argc, const char* const* argv, std::ostream& out, std::ostream& err);

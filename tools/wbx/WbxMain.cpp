@@ -25,6 +25,10 @@ const WbxCommand Commands[] = {
      "dumps the graph of every equation as .WBGraph files, or as Graphviz DOT", WbxGraphCommand},
     {"replay-write", "wbx replay-write FILE -o OUT [--version N]",
      "writes the equation system's replay sections (input part)", WbxReplayWriteCommand},
+    {"transform", "wbx transform FILE [--mode N] [--only NAME]... [--replay OUT]",
+     "runs the symbolic transformations and prints the transformed system", WbxTransformCommand},
+    {"replay", "wbx replay FILE", "repeats a recorded transformation and compares its output",
+     WbxReplayCommand},
 };
 
 int ShowHelp(WbxContext& context) {
