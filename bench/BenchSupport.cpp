@@ -43,6 +43,14 @@ benchmark::internal::Benchmark* Register(const std::string& task, const std::str
     return benchmark::RegisterBenchmark(name.c_str(), std::move(fn))->Unit(unit);
 }
 
+void RegisterEach(const std::string& task, const std::string& contestant, benchmark::TimeUnit unit,
+                  Runner runner) {
+    for (Workload workload : {Workload::Chain, Workload::Trig})
+        for (int n : Sizes())
+            Register(task, WorkloadName(workload), contestant, n, unit,
+                     [=](benchmark::State& state) { runner(state, workload, n); });
+}
+
 void SetNodes(benchmark::State& state, int nodes) {
     state.counters["nodes"] = benchmark::Counter(static_cast<double>(nodes));
 }

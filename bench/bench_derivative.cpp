@@ -81,19 +81,12 @@ void GinacDerivative(benchmark::State& state, Workload workload, int n) {
 }
 #endif
 
-void RegisterEach(const char* contestant, void (*runner)(benchmark::State&, Workload, int)) {
-    for (Workload workload : {Workload::Chain, Workload::Trig})
-        for (int n : Sizes())
-            Register("derivative", WorkloadName(workload), contestant, n, benchmark::kMicrosecond,
-                     [=](benchmark::State& state) { runner(state, workload, n); });
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-    RegisterEach("zorwbx", ZorWBxDerivative);
+    RegisterEach("derivative", "zorwbx", benchmark::kMicrosecond, ZorWBxDerivative);
 #ifdef ZORWBX_BENCH_GINAC
-    RegisterEach("ginac", GinacDerivative);
+    RegisterEach("derivative", "ginac", benchmark::kMicrosecond, GinacDerivative);
 #endif
     return RunBenchmarks(argc, argv);
 }

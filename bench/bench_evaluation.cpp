@@ -172,16 +172,6 @@ void BoostInterval(benchmark::State& state, Workload workload, int n) {
 }
 #endif
 
-using Runner = void (*)(benchmark::State&, Workload, int);
-
-void RegisterEach(const char* task, const char* contestant, benchmark::TimeUnit unit,
-                  Runner runner) {
-    for (Workload workload : {Workload::Chain, Workload::Trig})
-        for (int n : Sizes())
-            Register(task, WorkloadName(workload), contestant, n, unit,
-                     [=](benchmark::State& state) { runner(state, workload, n); });
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {

@@ -164,21 +164,14 @@ void GinacBuild(benchmark::State& state, Workload workload, int n) {
 }
 #endif
 
-void RegisterEach(const char* contestant, void (*runner)(benchmark::State&, Workload, int)) {
-    for (Workload workload : {Workload::Chain, Workload::Trig})
-        for (int n : Sizes())
-            Register("build", WorkloadName(workload), contestant, n, benchmark::kMicrosecond,
-                     [=](benchmark::State& state) { runner(state, workload, n); });
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-    RegisterEach("zorwbx", ZorWBxBuild);
+    RegisterEach("build", "zorwbx", benchmark::kMicrosecond, ZorWBxBuild);
 #ifdef ZORWBX_BENCH_GINAC
     cln::malloc_hook = CountedMalloc;
     cln::free_hook = Release;
-    RegisterEach("ginac", GinacBuild);
+    RegisterEach("build", "ginac", benchmark::kMicrosecond, GinacBuild);
 #endif
     return RunBenchmarks(argc, argv);
 }

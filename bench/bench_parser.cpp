@@ -119,35 +119,22 @@ void ZorWBxParse(benchmark::State& state, const std::string& text, bool fill) {
                             static_cast<int64_t>(text.size()));
 }
 
-#ifdef ZORWBX_BENCH_MUPARSER
-void Muparser(benchmark::State& state) {
-    const std::vector<std::string>& texts = StatementRoots();
-    std::string error;
-    std::vector<double> roots;
-    MuparserParseAll(texts, error, &roots);
-    if (!error.empty()) return Fail(state, error);
-    if (!AgreesOnRoots(state, roots)) return;
-    for (auto _ : state)
-        Keep(MuparserParseAll(texts, error));
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
-                            static_cast<int64_t>(TotalSize(texts)));
-}
-#endif
+// A peer reading the statements one by one, through parseAll (which
+// appends the roots' values to its last argument when given one).
+using ParseAll = int (*)(const std::vector<std::string>&, std::string&, std::vector<double>*);
 
-#ifdef ZORWBX_BENCH_GINAC
-void Ginac(benchmark::State& state) {
+void PeerParse(benchmark::State& state, ParseAll parseAll) {
     const std::vector<std::string>& texts = StatementRoots();
     std::string error;
     std::vector<double> roots;
-    GinacParseAll(texts, error, &roots);
+    parseAll(texts, error, &roots);
     if (!error.empty()) return Fail(state, error);
     if (!AgreesOnRoots(state, roots)) return;
     for (auto _ : state)
-        Keep(GinacParseAll(texts, error));
+        Keep(parseAll(texts, error, nullptr));
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
                             static_cast<int64_t>(TotalSize(texts)));
 }
-#endif
 
 // ------------------------------------------------------------ the larger model
 class ModelText {
@@ -213,10 +200,12 @@ int main(int argc, char** argv) {
     Register("parse", "statements", "zorwbx_parse_fill", NbOfStatements, unit,
              [](benchmark::State& state) { ZorWBxParse(state, StatementText(), true); });
 #ifdef ZORWBX_BENCH_MUPARSER
-    Register("parse", "statements", "muparser", NbOfStatements, unit, Muparser);
+    Register("parse", "statements", "muparser", NbOfStatements, unit,
+             [](benchmark::State& state) { PeerParse(state, MuparserParseAll); });
 #endif
 #ifdef ZORWBX_BENCH_GINAC
-    Register("parse", "statements", "ginac", NbOfStatements, unit, Ginac);
+    Register("parse", "statements", "ginac", NbOfStatements, unit,
+             [](benchmark::State& state) { PeerParse(state, GinacParseAll); });
 #endif
     Register("parse", "model", "zorwbx_parse", NbOfModelStatements, unit,
              [](benchmark::State& state) { ZorWBxParse(state, ModelTextOfMechanism(), false); });

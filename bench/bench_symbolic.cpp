@@ -11,6 +11,7 @@
 // with coefficients 1 to 9, plus as many inequalities between two
 // variables anywhere), with mode 2 (elimination and substitution) and 6.
 
+#include <functional>
 #include <memory>
 #include <random>
 #include <vector>
@@ -82,6 +83,23 @@ bool AgreesWithSolution(benchmark::State& state, ZorWBFactory& f,
     return true;
 }
 
+// Times the transformation alone: the factory is made, filled by build and
+// destroyed with the timer paused.
+void TimeTransform(benchmark::State& state, const std::function<void(ZorWBFactory&)>& build,
+                   unsigned int mode) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto f = std::make_unique<ZorWBFactory>();
+        build(*f);
+        state.ResumeTiming();
+        Transform(*f, mode);
+        state.PauseTiming();
+        Keep(f->GetNbOfEquations());
+        f.reset();
+        state.ResumeTiming();
+    }
+}
+
 void ZorWBxEliminate(benchmark::State& state, int n) {
     const LinearSystem& system = SystemOf(n);
     {
@@ -90,17 +108,8 @@ void ZorWBxEliminate(benchmark::State& state, int n) {
         Transform(f, EliminateAndSimplify);
         if (!AgreesWithSolution(state, f, v, system)) return;
     }
-    for (auto _ : state) {
-        state.PauseTiming();
-        auto f = std::make_unique<ZorWBFactory>();
-        BuildSystem(*f, system);
-        state.ResumeTiming();
-        Transform(*f, EliminateAndSimplify);
-        state.PauseTiming();
-        Keep(f->GetNbOfEquations());
-        f.reset();
-        state.ResumeTiming();
-    }
+    TimeTransform(
+        state, [&](ZorWBFactory& f) { BuildSystem(f, system); }, EliminateAndSimplify);
 }
 
 #ifdef ZORWBX_BENCH_GINAC
@@ -170,17 +179,8 @@ void BuildMixedSystem(ZorWBFactory& f, int n) {
 }
 
 void ZorWBxMixed(benchmark::State& state, int n, unsigned int mode) {
-    for (auto _ : state) {
-        state.PauseTiming();
-        auto f = std::make_unique<ZorWBFactory>();
-        BuildMixedSystem(*f, n);
-        state.ResumeTiming();
-        Transform(*f, mode);
-        state.PauseTiming();
-        Keep(f->GetNbOfEquations());
-        f.reset();
-        state.ResumeTiming();
-    }
+    TimeTransform(
+        state, [&](ZorWBFactory& f) { BuildMixedSystem(f, n); }, mode);
 }
 
 }  // namespace

@@ -118,7 +118,7 @@ void Muparser(benchmark::State& state, int n) {
 }
 #endif
 
-void RegisterEach(const char* contestant, void (*runner)(benchmark::State&, int)) {
+void RegisterSystem(const char* contestant, void (*runner)(benchmark::State&, int)) {
     for (int n : Sizes())
         Register("system", WorkloadName(System), contestant, n, benchmark::kMicrosecond,
                  [=](benchmark::State& state) { runner(state, n); });
@@ -127,10 +127,10 @@ void RegisterEach(const char* contestant, void (*runner)(benchmark::State&, int)
 }  // namespace
 
 int main(int argc, char** argv) {
-    RegisterEach("zorwbx_value", ZorWBxSystem);
-    RegisterEach("loop", LoopSystem);
+    RegisterSystem("zorwbx_value", ZorWBxSystem);
+    RegisterSystem("loop", LoopSystem);
 #ifdef ZORWBX_BENCH_MUPARSER
-    RegisterEach("muparser", Muparser);
+    RegisterSystem("muparser", Muparser);
 #endif
     return RunBenchmarks(argc, argv);
 }
