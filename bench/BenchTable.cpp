@@ -43,7 +43,8 @@ struct Key {
 };
 
 std::map<Key, Result> results;
-std::vector<std::string> errors;
+// Each failing benchmark once (its repetitions all report the error).
+std::set<std::string> errors;
 json context;
 
 double Nanoseconds(double time, const std::string& unit) {
@@ -78,7 +79,7 @@ bool ReadFile(const char* path) {
     std::ifstream in(path);
     json document = json::parse(in, nullptr, false);
     if (document.is_discarded() || !document.contains("benchmarks")) {
-        errors.push_back(std::string(path) + ": not a benchmark JSON output");
+        errors.insert(std::string(path) + ": not a benchmark JSON output");
         return false;
     }
     if (context.is_null()) context = document["context"];
@@ -86,7 +87,7 @@ bool ReadFile(const char* path) {
     for (const json& entry : document["benchmarks"]) {
         std::string name = entry.value("run_name", entry.value("name", ""));
         if (entry.value("error_occurred", false)) {
-            errors.push_back(name + ": " + entry.value("error_message", ""));
+            errors.insert(name + ": " + entry.value("error_message", ""));
             continue;
         }
         Key key;
@@ -333,9 +334,9 @@ void PrintTargets() {
     PrintRatio("parsing: ZorWBx Parse / GiNaC parser, MB/s",
                Figure("parse", "statements", "zorwbx_parse", MegabytesPerSecond, 10000),
                Figure("parse", "statements", "ginac", MegabytesPerSecond, 10000), 3.0, 0.0);
-    std::printf("\nBytes per node (reported, no target): ");
+    std::printf("\nBytes per node (reported beside GiNaC's, no target):");
     for (const char* workload : {"chain", "trig"})
-        std::printf("%s: ZorWBx %s, GiNaC %s;  ", workload,
+        std::printf(" %s: ZorWBx %s, GiNaC %s.", workload,
                     Number(Figure("build", workload, "zorwbx", BytesPerNode)).c_str(),
                     Number(Figure("build", workload, "ginac", BytesPerNode)).c_str());
     std::printf("\n");
