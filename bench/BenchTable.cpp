@@ -187,6 +187,11 @@ std::string Number(double v) {
     return text;
 }
 
+// "-" for a figure that was not measured.
+std::string Measured(double v) {
+    return v > 0.0 ? Number(v) : "-";
+}
+
 void PrintRow(const std::vector<std::string>& cells, const std::vector<std::size_t>& widths) {
     std::printf("|");
     for (std::size_t i = 0; i < cells.size(); ++i)
@@ -253,9 +258,8 @@ void PrintAbsolute(const Absolute& a) {
         double reference = a.high > a.low ? std::sqrt(a.low * a.high) : a.low;
         ratio = Number(a.measured / reference);
     }
-    std::printf("| %-44s | %10s | %12s | %-9s | %8s |\n", a.what,
-                a.measured > 0.0 ? Number(a.measured).c_str() : "-", target.c_str(), a.unit,
-                ratio.c_str());
+    std::printf("| %-44s | %10s | %12s | %-9s | %8s |\n", a.what, Measured(a.measured).c_str(),
+                target.c_str(), a.unit, ratio.c_str());
 }
 
 // numerator / denominator should reach at least minimum (or stay below
@@ -337,8 +341,8 @@ void PrintTargets() {
     std::printf("\nBytes per node (reported beside GiNaC's, no target):");
     for (const char* workload : {"chain", "trig"})
         std::printf(" %s: ZorWBx %s, GiNaC %s.", workload,
-                    Number(Figure("build", workload, "zorwbx", BytesPerNode)).c_str(),
-                    Number(Figure("build", workload, "ginac", BytesPerNode)).c_str());
+                    Measured(Figure("build", workload, "zorwbx", BytesPerNode)).c_str(),
+                    Measured(Figure("build", workload, "ginac", BytesPerNode)).c_str());
     std::printf("\n");
 }
 

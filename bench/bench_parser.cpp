@@ -45,16 +45,6 @@ const std::string& StatementText() {
     static const std::string text = EquationText(Statements());
     return text;
 }
-const std::vector<std::string>& StatementRoots() {
-    static const std::vector<std::string> roots = RootTexts(Statements());
-    return roots;
-}
-std::size_t TotalSize(const std::vector<std::string>& texts) {
-    std::size_t size = 0;
-    for (const std::string& text : texts)
-        size += text.size();
-    return size;
-}
 
 bool AgreesOnRoots(benchmark::State& state, const std::vector<double>& roots) {
     const std::vector<Statement>& statements = Statements();
@@ -119,6 +109,18 @@ void ZorWBxParse(benchmark::State& state, const std::string& text, bool fill) {
                             static_cast<int64_t>(text.size()));
 }
 
+#if defined(ZORWBX_BENCH_MUPARSER) || defined(ZORWBX_BENCH_GINAC)
+const std::vector<std::string>& StatementRoots() {
+    static const std::vector<std::string> roots = RootTexts(Statements());
+    return roots;
+}
+std::size_t TotalSize(const std::vector<std::string>& texts) {
+    std::size_t size = 0;
+    for (const std::string& text : texts)
+        size += text.size();
+    return size;
+}
+
 // A peer reading the statements one by one, through parseAll (which
 // appends the roots' values to its last argument when given one).
 using ParseAll = int (*)(const std::vector<std::string>&, std::string&, std::vector<double>*);
@@ -135,6 +137,7 @@ void PeerParse(benchmark::State& state, ParseAll parseAll) {
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) *
                             static_cast<int64_t>(TotalSize(texts)));
 }
+#endif
 
 // ------------------------------------------------------------ the larger model
 class ModelText {
