@@ -55,6 +55,14 @@ double OrNaN(bool defined, double value) {
     return defined ? value : NAN;
 }
 
+// x - y * floor(x / y), computed exactly (the formula itself loses every
+// digit once x / y passes 2^53).
+double FlooredMod(double x, double y) {
+    if (y == 0.0) return NAN;
+    double r = std::fmod(x, y);
+    return r != 0.0 && (r < 0.0) != (y < 0.0) ? r + y : r;
+}
+
 const UnaryCase UnaryCases[] = {
     {"UnaryMinus", ZorWBUnaryMinus, [](double x) { return -x; }},
     {"Abs", ZorWBAbs, [](double x) { return std::fabs(x); }},
@@ -88,8 +96,7 @@ const BinaryCase BinaryCases[] = {
     {"Mul", ZorWBMul, [](double x, double y) { return x * y; }},
     {"Div", ZorWBDiv,
      [](double x, double y) { return y == 0.0 ? (x == 0.0 ? INFINITY : NAN) : x / y; }},
-    {"Mod", ZorWBMod,
-     [](double x, double y) { return OrNaN(y != 0.0, x - y * std::floor(x / y)); }},
+    {"Mod", ZorWBMod, FlooredMod},
     {"Min", ZorWBMin, [](double x, double y) { return std::min(x, y); }},
     {"Max", ZorWBMax, [](double x, double y) { return std::max(x, y); }},
     {"Dim", ZorWBDim, [](double x, double y) { return std::max(x - y, 0.0); }},

@@ -14,7 +14,7 @@ targets=("$@")
 [ ${#targets[@]} -gt 0 ] || targets=(parser values output symbolic)
 build=${ZORWBX_FUZZ_BUILD:-build-sanitize}
 
-if [ ! -f "$build/CMakeCache.txt" ]; then
+if ! grep -qs '^ZORWBX_BUILD_FUZZ:BOOL=ON' "$build/CMakeCache.txt"; then
     scripts/install-deps.sh clang
     CC=clang CXX=clang++ cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Sanitize \
         -DCMAKE_CXX_FLAGS_SANITIZE="-O1 -gline-tables-only" -DZORWBX_SANITIZE=ON \
