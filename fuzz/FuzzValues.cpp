@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -319,6 +320,12 @@ bool Holds(const ZorWBValue& result, double point) {
     }
 }
 
+std::string Text(double number) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.17g", number);
+    return text;
+}
+
 std::string Describe(const ZorWBValue& value) {
     std::string text = value.Str().c_str();
     text += " (kind " + std::to_string(value.GetType()) + ")";
@@ -334,8 +341,7 @@ void CheckImage(const ZorWBEnvironment& environment, const ZorWBValue& result, d
                 const std::string& what) {
     if (std::isnan(image) || std::fabs(image) > Limit) return;
     if (environment.GetError() != ZorWBError::None) return;
-    FUZZ_CHECK(Holds(result, image),
-               what + " = " + std::to_string(image) + " not in " + Describe(result));
+    FUZZ_CHECK(Holds(result, image), what + " = " + Text(image) + " not in " + Describe(result));
 }
 
 ZorWBEnvironment MakeEnvironment(FuzzBytes& in) {
@@ -354,7 +360,7 @@ void CheckUnary(FuzzBytes& in) {
     ZorWBValue result = op.function(environment, a);
     for (double x : PointsOf(in, a))
         CheckImage(environment, result, op.point(x),
-                   std::string(op.name) + "(" + Describe(a) + ") at " + std::to_string(x));
+                   std::string(op.name) + "(" + Describe(a) + ") at " + Text(x));
 }
 
 bool IsBooleanOrUndefined(const ZorWBValue& value) {
@@ -377,7 +383,7 @@ void CheckBinary(FuzzBytes& in) {
         for (double y : ys)
             CheckImage(environment, result, op.point(x, y),
                        std::string(op.name) + "(" + Describe(a) + ", " + Describe(b) + ") at " +
-                           std::to_string(x) + ", " + std::to_string(y));
+                           Text(x) + ", " + Text(y));
 }
 
 // Comparisons give booleans: true must be possible where a pair of points
@@ -397,7 +403,7 @@ void CheckComparison(FuzzBytes& in) {
             bool truth = which == 0 ? x == y : which == 1 ? x != y : x <= y;
             CheckImage(environment, result, truth ? 1.0 : 0.0,
                        "comparison " + std::to_string(which) + "(" + Describe(a) + ", " +
-                           Describe(b) + ") at " + std::to_string(x) + ", " + std::to_string(y));
+                           Describe(b) + ") at " + Text(x) + ", " + Text(y));
         }
     }
 }
