@@ -56,10 +56,12 @@ double OrNaN(bool defined, double value) {
     return defined ? value : NAN;
 }
 
-// x - y * floor(x / y), computed exactly (the formula itself loses every
-// digit once x / y passes 2^53).
+// x - y * floor(x / y) as the doubles compute it (so that 10 mod 0.2 is 0),
+// and the exact remainder once x / y passes 2^52, where that formula loses
+// every digit.
 double FlooredMod(double x, double y) {
     if (y == 0.0) return NAN;
+    if (std::fabs(x / y) < 4503599627370496.0) return x - y * std::floor(x / y);
     double r = std::fmod(x, y);
     return r != 0.0 && (r < 0.0) != (y < 0.0) ? r + y : r;
 }
@@ -260,6 +262,9 @@ std::vector<double> PointsOf(FuzzBytes& in, const ZorWBValue& value) {
         default:
             break;
     }
+    // Minus zero is zero (atan2 would tell them apart, the intervals do not).
+    for (double& point : points)
+        point += 0.0;
     // Points beyond the real range stand for the infinite ends only.
     points.erase(std::remove_if(points.begin(), points.end(),
                                 [](double p) { return std::isnan(p) || std::fabs(p) > Limit; }),
@@ -280,7 +285,19 @@ bool Within(double low, double high, double point) {
     return low - slack <= point && point <= high + slack;
 }
 
+// An integer result holds a number at or beyond the saturated ends of the
+// integer range as the infinite end on its side (as IntegerBound reads them).
+double AsIntegerPoint(double point) {
+    if (point >= 2147483646.0) return 2 * Limit;
+    if (point <= -2147483646.0) return -2 * Limit;
+    return point;
+}
+
 bool Holds(const ZorWBValue& result, double point) {
+    bool integers = result.IsAKindOf(ZorWBIntegerType) ||
+                    result.IsAKindOf(ZorWBIntegerIntervalType) ||
+                    result.IsAKindOf(ZorWBIntegerEnumType);
+    if (integers) point = AsIntegerPoint(point);
     switch (result.GetType()) {
         case ZorWBIntegerType:
             return Close(IntegerBound(result.GetAsInteger()), point);
