@@ -11,6 +11,10 @@ command -v flex >/dev/null || needed+=(flex)
 command -v bison >/dev/null || needed+=(bison)
 [ -f /usr/include/gtest/gtest.h ] || needed+=(libgtest-dev)
 [ -f /usr/include/nlohmann/json.hpp ] || needed+=(nlohmann-json3-dev)
+# clang with its sanitizer and libFuzzer runtimes, for the sanitizer build.
+command -v clang++ >/dev/null || needed+=(clang)
+compgen -G '/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a' >/dev/null ||
+    needed+=(libclang-rt-dev)
 for package in "$@"; do
     dpkg -s "$package" >/dev/null 2>&1 || needed+=("$package")
 done

@@ -6,6 +6,7 @@
 
 #include "expressions/ZorWBConstant.h"
 #include "expressions/ZorWBExpression.h"
+#include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBVariable.h"
 #include "qel/ZorQelGetEnv.h"
 
@@ -102,9 +103,11 @@ void ZorWBDebug::PrintExp(const char* before, const ZorWBExpression* expression,
 }
 
 // Written as a tree (a shared node once per use), with an explicit stack so
-// that deep graphs print without deep recursion.
+// that deep graphs print without deep recursion; a graph whose tree would be
+// too large to write out (ZorWBGraphWalk::MaxUnfoldedSize) is named so.
 ZorQelString ZorWBDebug::ExpStr(const ZorWBExpression* expression) try {
     if (!expression) return "null expression";
+    if (!ZorWBGraphWalk::IsUnfoldable(expression)) return "expression too large to write";
     struct Frame {
         const ZorWBExpression* node;
         int next;

@@ -88,6 +88,30 @@ class ZorWBGraphWalk {
         return results[root];
     }
 
+    // The number of nodes of the tree that root unfolds to when each shared
+    // node is written at each of its uses (what a text without sharing
+    // holds), counted up to limit: the result is at most limit. Linear in
+    // the size of the graph, however large the tree.
+    static long long UnfoldedSize(const ZorWBExpression* root, long long limit) {
+        std::unordered_map<const ZorWBExpression*, long long> sizes;
+        return PostOrder<long long>(root, sizes, [&sizes, limit](const ZorWBExpression* node) {
+            long long size = 1;
+            for (int i = 0; i < NbOfChildren(node) && size < limit; ++i)
+                size += sizes[Child(node, i)];
+            return size < limit ? size : limit;
+        });
+    }
+
+    // The largest tree that the writers without sharing (the equation
+    // printer, the replay terms, the trace) unfold an expression to: a graph
+    // whose shared nodes unfold to more nodes is not written out, since its
+    // text could grow exponentially with the graph.
+    static constexpr long long MaxUnfoldedSize = 1LL << 24;
+
+    static bool IsUnfoldable(const ZorWBExpression* root) {
+        return UnfoldedSize(root, MaxUnfoldedSize + 1) <= MaxUnfoldedSize;
+    }
+
     // Calls compute(node) for the nodes below root that still need it,
     // children before parents, each once: from a node the walk goes into its
     // child i only when follow(node, i) holds, and it does not enter a node

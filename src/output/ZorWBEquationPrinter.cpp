@@ -6,6 +6,7 @@
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBExpression.h"
 #include "expressions/ZorWBFactory.h"
+#include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBLanguageText.h"
 #include "expressions/ZorWBVariable.h"
 
@@ -397,9 +398,15 @@ const char* ExtremumComment(ZorWBEquationType type) {
     }
 }
 
+// The expression, or null (printed "?") when it unfolds to a tree too large
+// to write out.
+const ZorWBExpression* Printable(const ZorWBExpression* e) {
+    return ZorWBGraphWalk::IsUnfoldable(e) ? e : nullptr;
+}
+
 void AppendEquation(ZorQelString& out, const ZorWBEquation& equation) {
     Printer printer(out);
-    const ZorWBExpression* root = equation.GetRoot();
+    const ZorWBExpression* root = Printable(equation.GetRoot());
     const char* relation = ZorWBRelationText(equation.GetType());
     if (!relation) {
         printer.Node(root);
@@ -422,7 +429,7 @@ void AppendEquation(ZorQelString& out, const ZorWBEquation& equation) {
 ZorQelString ZorWBEquationPrinter::Print(const ZorWBExpression* expression) {
     ZorQelString text;
     Printer printer(text);
-    printer.Node(expression);
+    printer.Node(Printable(expression));
     printer.Run();
     return text;
 }

@@ -55,7 +55,10 @@ class ZorWBFactory;
 //   that are not identifiers, and a missing root ("?");
 // - black-box calls read back as calls of new black boxes, which are never
 //   equal to the original ones.
-// Shared nodes are written at each of their uses. The walk uses an explicit
+// Shared nodes are written at each of their uses; an expression whose text
+// would so unfold to more than 16777216 nodes (ZorWBGraphWalk::
+// MaxUnfoldedSize: a graph with much sharing can unfold exponentially) is
+// written "?", as a missing root is. The walk uses an explicit
 // stack: graphs of any depth print (a graph a million nodes deep included).
 class ZORWBX_API ZorWBEquationPrinter {
   public:

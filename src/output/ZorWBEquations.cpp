@@ -7,6 +7,7 @@
 #include "expressions/ZorWBBlackBoxOperator.h"
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
+#include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBVariable.h"
 #include "output/ZorWBEquationPrinter.h"
 #include "output/ZorWBValueText.h"
@@ -279,7 +280,7 @@ bool AddTailLeaves(ZorQelExpressionTerm* term, const ZorWBExpression* node) {
 }  // namespace
 
 ZorQelExpressionTerm* ZorWBEquations::CreateTerm(const ZorWBExpression* e, bool functional) const {
-    if (!e) return nullptr;
+    if (!e || !ZorWBGraphWalk::IsUnfoldable(e)) return nullptr;
     // Each frame is a node whose term is made and whose operands are being
     // added in order; a shared node is expanded at each use.
     struct Frame {

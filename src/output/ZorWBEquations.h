@@ -149,7 +149,10 @@ class ZORWBX_API ZorWBEquations : public ZorQelOperator {
 
     // ------------------------------------------------------------ terms
     // A new term for e (see the class notes), owned by the caller; null for
-    // a null e or a node that has no term. With functional false the
+    // a null e, a node that has no term, or an e whose shared nodes unfold
+    // to a term of more than 16777216 nodes (ZorWBGraphWalk::MaxUnfoldedSize;
+    // the equation line of such a root stays open, so the section does not
+    // read back). With functional false the
     // operators carry their symbols for the infix form.
     ZorQelExpressionTerm* CreateTerm(const ZorWBExpression* e, bool functional) const;
     // Builds the nodes of a term in the factory; null when the term does not

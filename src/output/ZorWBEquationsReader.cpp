@@ -113,7 +113,6 @@ ZorWBExpression* TermBuilder::BuildStep(const Frame& frame) {
             !ZorWBValueText::ReadNumber(frame.term->GetChild(i + 1)->GetText(), isInteger, integer,
                                         parameters[i]))
             return nullptr;
-        if (isInteger) parameters[i] = integer;
     }
     return _factory.CreateStep(frame.operands[0], parameters[0], parameters[1], parameters[2],
                                parameters[3]);

@@ -1,10 +1,13 @@
 #include "output/ZorWBJsonTree.h"
 
 #include <clocale>
+#include <cmath>
 #include <cstdio>
 #include <new>
 #include <unordered_set>
 #include <vector>
+
+#include "values/ZorWBInterval.h"
 
 struct ZorWBJsonMember {
     ZorQelString key;
@@ -46,8 +49,15 @@ const ZorQelString& RealFormat() {
 }
 
 // printf-style text of a real; the locale's decimal point, if it is not a
-// point, is put back to a point so that the document stays JSON.
+// point, is put back to a point so that the document stays JSON. JSON has
+// no infinities and no NaN: an infinity is written as the library's real
+// infinity marker of its sign (in the same fixed notation), NaN as null.
 void AppendReal(ZorQelString& out, double value) {
+    if (std::isnan(value)) {
+        out.Append("null");
+        return;
+    }
+    if (std::isinf(value)) value = value > 0 ? ZorWBRealPlusInfinity : ZorWBRealMinusInfinity;
     char small[64];
     int length = std::snprintf(small, sizeof small, RealFormat().GetString(), value);
     if (length < 0) return;

@@ -85,7 +85,7 @@ bool ReadNumbers(const std::vector<std::string>& items, std::vector<double>& rea
         if (!ZorWBValueText::ReadNumber(item, isInteger, integer, real)) return false;
         allIntegers = allIntegers && isInteger;
         integers.push_back(integer);
-        reals.push_back(isInteger ? integer : real);
+        reals.push_back(real);
     }
     return true;
 }
@@ -144,7 +144,7 @@ bool ReadScalar(const std::string& text, int kind, ZorWBValue& value) {
     if (!ZorWBValueText::ReadNumber(text, isInteger, integer, real)) return false;
     if (kind == ZorWBIntegerType && !isInteger) return false;
     if (kind == ZorWBRealType || (kind < 0 && !isInteger))
-        value.Set(isInteger ? static_cast<double>(integer) : real);
+        value.Set(real);
     else
         value.Set(integer);
     return true;
@@ -388,6 +388,8 @@ bool ZorWBValueText::ReadNumber(const ZorQelString& text, bool& isInteger, int& 
         number = Trim(number.substr(1, number.size() - 2));
     if (ZorQelString::ParseInt(number.c_str(), integer)) {
         isInteger = true;
+        // "-0" is the integer 0 but the real minus zero.
+        real = integer == 0 && number[0] == '-' ? -0.0 : integer;
         return true;
     }
     isInteger = false;

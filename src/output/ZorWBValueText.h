@@ -28,7 +28,8 @@ class ZORWBX_API ZorWBValueText {
     // as an integer enumeration "any"). "Frac" is read in any letter case.
     // False, value untouched, when the text does not read.
     static bool Read(const ZorQelString& text, int kind, ZorWBValue& value);
-    // Reads a number: an integer or a real, each possibly in parentheses.
+    // Reads a number: an integer or a real, each possibly in parentheses;
+    // real holds its reading as a real in both cases ("-0" is minus zero).
     static bool ReadNumber(const ZorQelString& text, bool& isInteger, int& integer, double& real);
     // Reads Pi, DTOR, RTOD or Frac(n, d[, p]) (any letter case of "Frac").
     static bool ReadFraction(const ZorQelString& text, ZorWBFraction& fraction);

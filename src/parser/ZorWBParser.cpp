@@ -2,9 +2,11 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 #include "ZorWBGrammar.h"
+#include "parser/ZorWBScannerFault.h"  // before the scanner's interface, which names it
 // The scanner's interface names the value and location types without the
 // grammar's prefix.
 #define YYSTYPE ZORWB_YYSTYPE
@@ -15,11 +17,12 @@
 #include "parser/ZorWBModel.h"
 #include "parser/ZorWBModelCheck.h"
 #include "parser/ZorWBParserMessenger.h"
-#include "parser/ZorWBScannerFault.h"
 
 namespace {
 
 const char* const MemoryExhausted = "memory exhausted";
+const char* const TextTooLong = "text too long, the parser reads at most 67108864 bytes";
+static_assert(ZorWBParser::MaxTextLength == 67108864, "the message states the limit");
 
 // Which input the scanner reads.
 struct Input {
@@ -31,8 +34,14 @@ struct Input {
 // memory anywhere stops the work with "memory exhausted".
 int ParseInput(const Input& input, ZorWBModel& model, ZorQelIntArray& equationIds,
                ZorWBParserMessenger& messenger, ZorQelListPZorWBBlackBox* blackBoxes) {
+    const char* text = input.text ? input.text : "";
+    if (!input.file && std::strlen(text) > static_cast<std::size_t>(ZorWBParser::MaxTextLength)) {
+        messenger.ReportError(nullptr, TextTooLong);
+        return messenger.GetErrorNumber();
+    }
+    ZorWBScannerInput counter{ZorWBParser::MaxTextLength};
     yyscan_t scanner = nullptr;
-    if (zorwb_yylex_init(&scanner) != 0) {
+    if (zorwb_yylex_init_extra(&counter, &scanner) != 0) {
         messenger.ReportError(nullptr, MemoryExhausted);
         return messenger.GetErrorNumber();
     }
@@ -41,10 +50,13 @@ int ParseInput(const Input& input, ZorWBModel& model, ZorQelIntArray& equationId
             zorwb_yyset_in(input.file, scanner);
             zorwb_yyparse(scanner, model, equationIds, messenger, blackBoxes);
         } else {
-            zorwb_yy_scan_string(input.text ? input.text : "", scanner);
+            zorwb_yy_scan_string(text, scanner);
             zorwb_yyparse(scanner, model, equationIds, messenger, blackBoxes);
         }
-        ZorWBModelCheck(&model, &messenger).Run();
+        if (counter.tooLong)
+            messenger.ReportError(nullptr, TextTooLong);
+        else
+            ZorWBModelCheck(&model, &messenger).Run();
     } catch (const ZorWBScannerFault& fault) {
         messenger.ReportError(nullptr, fault.message);
     } catch (...) {

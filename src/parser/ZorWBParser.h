@@ -24,7 +24,12 @@ class ZorWBParserMessenger;
 //   kinds, printing, equality) uses an explicit stack on the heap, and
 //   destroying a model walks no tree at all: the depth of a model is limited
 //   by memory only;
-// - reading is linear in the length of the text.
+// - reading is linear in the length of the text;
+// - a text longer than MaxTextLength bytes (64 MiB) is refused with "text
+//   too long, the parser reads at most 67108864 bytes" (code -1, as every
+//   message outside the known list): a string is not read at all; a stream
+//   is read up to the limit, the model keeps what that part built, and the
+//   model check is not run.
 //
 // Invalid characters are skipped after "Invalid character" is printed on
 // the standard output; they are not errors. A read error of the stream ends
@@ -34,6 +39,9 @@ class ZorWBParserMessenger;
 // text (code -1) and also ends the parse: nothing stops the process.
 class ZORWBX_API ZorWBParser {
   public:
+    // The longest text read, in bytes.
+    static constexpr long long MaxTextLength = 64LL << 20;
+
     // Reads the stream to its end into the model: appends the id of every
     // equation added to equationIds, reports errors to the messenger, and
     // appends each black box the text declares to blackBoxes when given (the

@@ -13,4 +13,13 @@ struct ZorWBScannerFault {
     throw ZorWBScannerFault{message};
 }
 
+// What the scanner counts of a stream it reads: the bytes read so far, and
+// whether the stream went on beyond the longest text the parser reads
+// (ZorWBParser::MaxTextLength); the input then ends there.
+struct ZorWBScannerInput {
+    long long limit;
+    long long read = 0;
+    bool tooLong = false;
+};
+
 #endif

@@ -109,8 +109,10 @@ bool ZorWBEnumBase<T>::InsertAt(int position, T value) {
 template <class T>
 void ZorWBEnumBase<T>::StoreInterval(T low, T high) {
     _size = 0;
-    _representation = ZorWBEnumInterval;
+    // Without room for its two ends the interval widens to any value.
+    _representation = ZorWBEnumAny;
     if (EnsureSize(2)) {
+        _representation = ZorWBEnumInterval;
         _data[0] = low;
         _data[1] = high;
         _size = 2;
@@ -141,7 +143,10 @@ bool ZorWBIntegerEnum::ExpandInterval() {
         return false;
     Reset(ZorWBEnumList);
     if (width < 0) return true;
-    if (!SetSize(static_cast<int>(width) + 1)) return false;
+    if (!SetSize(static_cast<int>(width) + 1)) {
+        StoreInterval(hull.low, hull.high);  // memory is short: stays the interval
+        return false;
+    }
     for (int i = 0; i <= width; ++i)
         Set(i, hull.low + i);
     return true;

@@ -6,6 +6,11 @@
 
 class ZorWBEnvironment;
 
+// The most elements an enumeration holds as a list. Beyond it an enumeration
+// is held as its hull (an interval), whatever the environment's maximum
+// enumeration size (which is clamped to this) or the count a caller passes.
+constexpr int ZorWBMaxEnumSize = 1 << 20;
+
 // How an enumeration holds its elements.
 enum ZorWBEnumRepresentation : int {
     ZorWBEnumList = 0,      // the sorted list of the elements
@@ -86,7 +91,7 @@ extern template class ZorWBEnumBase<double>;
 class ZORWBX_API ZorWBIntegerEnum : public ZorWBEnumBase<int> {
   public:
     // The largest interval that the list operations expand into a list.
-    static constexpr int MaxExpansion = 1 << 20;
+    static constexpr int MaxExpansion = ZorWBMaxEnumSize;
 
     explicit ZorWBIntegerEnum(ZorWBEnumRepresentation representation = ZorWBEnumAny)
         : ZorWBEnumBase<int>(representation) {}

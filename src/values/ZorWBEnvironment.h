@@ -2,6 +2,7 @@
 #define ZORWB_ENVIRONMENT_H
 
 #include "ZorWBxExport.h"
+#include "values/ZorWBEnum.h"
 #include "values/ZorWBLevel.h"
 
 // How black boxes are evaluated; only the default is defined so far.
@@ -77,8 +78,13 @@ class ZORWBX_API ZorWBEnvironment {
     int GetBBCacheSize() const { return _bbCacheSize; }
     void SetBBCacheSize(int size) { _bbCacheSize = size; }
 
+    // The most elements a computed enumeration keeps as a list (beyond it,
+    // its hull). A size outside 0..ZorWBMaxEnumSize is taken as the nearest
+    // end of that range.
     int GetMaxEnumSize() const { return _maxEnumSize; }
-    void SetMaxEnumSize(int size) { _maxEnumSize = size; }
+    void SetMaxEnumSize(int size) {
+        _maxEnumSize = size < 0 ? 0 : size > ZorWBMaxEnumSize ? ZorWBMaxEnumSize : size;
+    }
 
     bool GetUseUnimodalInterval() const { return _useUnimodalInterval != 0; }
     void SetUseUnimodalInterval(bool use) { _useUnimodalInterval = use ? 1 : 0; }

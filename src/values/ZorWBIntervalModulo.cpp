@@ -36,7 +36,7 @@ struct RealHull {
 };
 
 double RealModulo(double a, double b) {
-    return a - b * std::floor(a / b);
+    return ZorWBIntervalRules::FlooredRemainder(a, b);
 }
 
 // The closure of { a mod b : a in [a1, a2], b in [p, q] } for 0 < p <= q.

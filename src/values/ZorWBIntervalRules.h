@@ -19,6 +19,17 @@ constexpr double HalfPi = 1.5707963267948966;
 constexpr double TwoPi = 6.283185307179586;
 constexpr double InversePi = 0.3183098861837907;
 
+// The floored remainder a - b floor(a / b) (b non-zero, both finite), in
+// [0, b) or (b, 0]. The formula, kept where it is exact so that mod(10, 0.2)
+// is 0 rather than the remainder of the binary 0.2, loses every digit (or
+// overflows) once |a / b| passes 2^52: the exact remainder of fmod then.
+inline double FlooredRemainder(double a, double b) {
+    const double quotient = a / b;
+    if (std::fabs(quotient) < 4503599627370496.0) return a - b * std::floor(quotient);
+    const double remainder = std::fmod(a, b);
+    return remainder != 0.0 && (remainder < 0.0) != (b < 0.0) ? remainder + b : remainder;
+}
+
 inline bool IsEmptyInterval(const ZorWBRealInterval& a) {
     return a.low - a.high > ZorWBIntervalTolerance;
 }

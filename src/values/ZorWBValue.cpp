@@ -148,28 +148,72 @@ void ZorWBValue::Set(const ZorWBRealEnum& value) {
     _realEnum = value;
 }
 
-void ZorWBValue::Set(int count, const int* values) {
-    ZorWBIntegerEnum list(ZorWBEnumList);
-    if (values && count > 0) {
-        std::vector<int> sorted(values, values + count);
-        std::sort(sorted.begin(), sorted.end());
-        sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
-        for (int element : sorted)
-            list.Append(element);
+namespace {
+
+bool IsNaN(int) {
+    return false;
+}
+bool IsNaN(double value) {
+    return std::isnan(value);
+}
+
+void SetHull(ZorWBIntegerEnum& enumeration, int low, int high) {
+    enumeration.SetAsIntegerInterval({low, high});
+}
+void SetHull(ZorWBRealEnum& enumeration, double low, double high) {
+    enumeration.SetAsRealInterval({low, high});
+}
+
+// The elements sorted and without repeats (or NaN); false when there are too
+// many of them or memory is short.
+template <class T>
+bool SortedElements(int count, const T* values, std::vector<T>& sorted) {
+    if (count > ZorWBMaxEnumSize) return false;
+    try {
+        sorted.reserve(static_cast<std::size_t>(count));
+        for (int i = 0; i < count; ++i)
+            if (!IsNaN(values[i])) sorted.push_back(values[i]);
+    } catch (...) {
+        return false;
     }
-    Set(list);
+    std::sort(sorted.begin(), sorted.end());
+    sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+    return true;
+}
+
+// The enumeration of the elements: their list, or else their hull.
+template <class Enum, class T>
+Enum EnumerationOf(int count, const T* values) {
+    Enum enumeration(ZorWBEnumList);
+    if (!values || count <= 0) return enumeration;
+    std::vector<T> sorted;
+    if (SortedElements(count, values, sorted) &&
+        enumeration.SetSize(static_cast<int>(sorted.size()))) {
+        for (std::size_t i = 0; i < sorted.size(); ++i)
+            enumeration.Set(static_cast<int>(i), sorted[i]);
+        return enumeration;
+    }
+    bool any = false;
+    T low = T();
+    T high = T();
+    for (int i = 0; i < count; ++i) {
+        if (IsNaN(values[i])) continue;
+        low = any ? std::min(low, values[i]) : values[i];
+        high = any ? std::max(high, values[i]) : values[i];
+        any = true;
+    }
+    if (any) SetHull(enumeration, low, high);
+    return enumeration;
+}
+
+}  // namespace
+
+void ZorWBValue::Set(int count, const int* values) {
+    Set(EnumerationOf<ZorWBIntegerEnum>(count, values));
 }
 
 void ZorWBValue::Set(int count, const double* values) {
-    ZorWBRealEnum list(ZorWBEnumList);
-    if (values && count > 0) {
-        std::vector<double> sorted(values, values + count);
-        std::sort(sorted.begin(), sorted.end());
-        sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
-        for (double element : sorted)
-            list.Append(element);
-    }
-    Set(list);
+    Set(EnumerationOf<ZorWBRealEnum>(count, values));
 }
 
 void ZorWBValue::SetIndefinite() {

@@ -108,7 +108,10 @@ class ZORWBX_API ZorWBValue {
     void Set(const ZorWBIntegerEnum& value);
     void Set(const ZorWBRealEnum& value);
     // An integer (real) enumeration in list form: the elements sorted and
-    // without repeats. A null array or a count below 1 gives an empty list.
+    // without repeats. A null array or a count below 1 gives an empty list;
+    // NaN elements are left out. More than ZorWBMaxEnumSize elements (or a
+    // list that memory cannot hold) give the enumeration held as the hull of
+    // the elements, read once without allocating.
     void Set(int count, const int* values);
     void Set(int count, const double* values);
     // The widest value of the current kind: the whole line for intervals, any

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "values/ZorWBIntervalRules.h"
 #include "values/ZorWBValueDispatch.h"
 #include "values/ZorWBValueFunctions.h"
 
@@ -53,9 +54,8 @@ double RealModulo(const ZorWBEnvironment& environment, double x, double y) {
         if (x == 0.0 || (x > 0.0) == (y > 0.0)) return x;
         return RealDomainError(environment);
     }
-    // The same formula as the interval modulo, so that mod(10, 0.2) is 0
-    // rather than the remainder of the binary 0.2.
-    return FinishReal(environment, x - y * std::floor(x / y));
+    // The same remainder as the interval modulo.
+    return FinishReal(environment, ZorWBIntervalRules::FlooredRemainder(x, y));
 }
 
 // |a| with the sign of b, for integer and real intervals alike: b >= 0 keeps

@@ -115,16 +115,14 @@ int MaxUnitedExponents(const ZorWBEnvironment& environment) {
     return std::min(std::max(environment.GetMaxEnumSize(), 1), 1024);
 }
 
-ZorWBRealInterval IntervalPower(const ZorWBEnvironment& environment, const ZorWBRealInterval& base,
-                                const ZorWBRealInterval& exponent, bool integerExponent) {
-    if (ZorWBIsEmpty(exponent)) return RealIntervalDomainError(environment);
-    bool single = exponent.low == exponent.high && IsIntegral(exponent.low) &&
-                  std::fabs(exponent.low) <= ZorWBIntegerMax;
-    if (single) return ZorWBPow(environment, base, static_cast<int>(exponent.low));
-    if (!integerExponent || base.low >= 0.0) return ZorWBPow(environment, base, exponent);
+// The powers of a base to the integral exponents of an interval: their union
+// (Nil when the interval holds no integer).
+ZorWBRealInterval IntegralExponentPowers(const ZorWBEnvironment& environment,
+                                         const ZorWBRealInterval& base,
+                                         const ZorWBRealInterval& exponent) {
     double first = std::ceil(exponent.low);
     double last = std::floor(exponent.high);
-    if (first > last) return ZorWBPow(environment, base, exponent);
+    if (first > last) return ZorWBReal_Nil;
     if (std::fabs(first) <= ZorWBIntegerMax && std::fabs(last) <= ZorWBIntegerMax &&
         last - first < MaxUnitedExponents(environment)) {
         ZorWBRealInterval united = ZorWBReal_Nil;
@@ -135,6 +133,24 @@ ZorWBRealInterval IntervalPower(const ZorWBEnvironment& environment, const ZorWB
     // Too many exponents: the powers of |base| bound the magnitude, either sign.
     double magnitude = ZorWBPow(environment, ZorWBAbs(environment, base), exponent).high;
     return ZorWBCreateRealInterval(-magnitude, magnitude);
+}
+
+// A negative base has powers at integral exponents only: an integer exponent
+// interval gives the union of its integer powers, a real one the real power
+// of the base clipped to [0, +inf) united with the powers at the integral
+// exponents it holds (as a real base to an integral real exponent is).
+ZorWBRealInterval IntervalPower(const ZorWBEnvironment& environment, const ZorWBRealInterval& base,
+                                const ZorWBRealInterval& exponent, bool integerExponent) {
+    if (ZorWBIsEmpty(exponent)) return RealIntervalDomainError(environment);
+    bool single = exponent.low == exponent.high && IsIntegral(exponent.low) &&
+                  std::fabs(exponent.low) <= ZorWBIntegerMax;
+    if (single) return ZorWBPow(environment, base, static_cast<int>(exponent.low));
+    if (base.low >= 0.0) return ZorWBPow(environment, base, exponent);
+    ZorWBRealInterval integral = IntegralExponentPowers(environment, base, exponent);
+    // A wholly negative base has no real power to add (and no domain error
+    // while an integral exponent gives it powers).
+    if (!ZorWBIsEmpty(integral) && (integerExponent || base.high < 0.0)) return integral;
+    return ZorWBUnite(ZorWBPow(environment, base, exponent), integral);
 }
 
 struct PowOperator : OperatorBase {

@@ -365,7 +365,10 @@ void ZorWBUnite(const ZorWBEnvironment& environment, ZorWBValue& a, const ZorWBV
         }
         default: {
             ZorWBRealInterval hull = ZorWBUnite(x.GetAsRealInterval(), y.GetAsRealInterval());
-            if (!IsScalarKind(a.GetType()) || !ZorWBIsExact(hull, tolerance)) a.Set(hull);
+            // A NaN holds no number: the union is the other operand's hull.
+            bool holdsNothing = std::isnan(a.GetAsReal());
+            if (!IsScalarKind(a.GetType()) || !ZorWBIsExact(hull, tolerance) || holdsNothing)
+                a.Set(hull);
             return;
         }
     }

@@ -200,6 +200,30 @@ TEST(ZorWBEquationsValues, VersionZeroTexts) {
     EXPECT_EQ(Text(writer.ValueToString(ZorWBValue(-3))), "(-3)");
 }
 
+// Minus zero is written "-0" (or "(-0)") and reads back as minus zero
+// wherever the value is real: the sections read back to the same text.
+TEST(ZorWBEquationsValues, MinusZeroReadsBackAsMinusZero) {
+    for (const ZorWBValue& value : {ZorWBValue(ZorWBRealInterval{-0.0, 0.0}),
+                                    ZorWBValue(ZorWBRealInterval{-0.0, -0.0}), ZorWBValue(-0.0)}) {
+        ZorWBFactory factory;
+        ZorWBVariable* x = factory.CreateVariable();
+        x->SetExprValue(value);
+        factory.AddEquation(factory.CreateStep(x, -0.0, 1.0, -0.0, 2.0), ZorWBEqualZero);
+        std::string text = WriteSystem(factory, ZorQelStorage::InputPart, 0);
+        ZorWBFactory copy;
+        ASSERT_TRUE(ReadSystem(text, copy, ZorQelStorage::InputPart, 0)) << text;
+        EXPECT_EQ(WriteSystem(copy, ZorQelStorage::InputPart, 0), text);
+        EXPECT_TRUE(std::signbit(copy.GetVariable(0)->GetValue().GetAsRealInterval().low)) << text;
+    }
+    bool isInteger = false;
+    int integer = 1;
+    double real = 0.0;
+    ASSERT_TRUE(ZorWBValueText::ReadNumber("(-0)", isInteger, integer, real));
+    EXPECT_TRUE(isInteger);
+    EXPECT_EQ(integer, 0);
+    EXPECT_TRUE(std::signbit(real));
+}
+
 TEST(ZorWBEquationsValues, VersionOneTextsAreThePrintersAndReadBack) {
     ZorWBIntegerEnum range(ZorWBEnumAny);
     range.SetAsIntegerInterval({1, 900});

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 #include <string>
 #include <vector>
@@ -33,6 +34,11 @@ TEST(ZorWBJsonTree, ScalarsPrintCompactly) {
     EXPECT_EQ(Printed(ZorWBJsonValue(1e20)), "100000000000000000000.000000");
     EXPECT_EQ(Printed(ZorWBJsonValue(1e-9)), "0.000000");
     EXPECT_EQ(Printed(ZorWBJsonValue(3.4028234663852886e+39)).size(), 40u + 7u);
+    // JSON has no infinities and no NaN: the infinity markers and null.
+    EXPECT_EQ(Printed(ZorWBJsonValue(HUGE_VAL)), Printed(ZorWBJsonValue(3.4028234663852886e+39)));
+    EXPECT_EQ(Printed(ZorWBJsonValue(-HUGE_VAL)), Printed(ZorWBJsonValue(-3.4028234663852886e+39)));
+    EXPECT_EQ(Printed(ZorWBJsonValue(std::nan(""))), "null");
+    EXPECT_EQ(Printed(ZorWBJsonValue(-std::nan(""))), "null");
     EXPECT_EQ(Printed(ZorWBJsonValue(true)), "1");
     EXPECT_EQ(Printed(ZorWBJsonValue(false)), "0");
     EXPECT_EQ(Printed(ZorWBJsonValue(ZorQelString("a \"quoted\" \\ text\n"))),

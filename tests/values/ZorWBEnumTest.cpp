@@ -130,6 +130,7 @@ TEST(ZorWBEnum, CopiesAreIndependent) {
     EXPECT_EQ(original.GetSize(), 1);
     original = copy;
     EXPECT_EQ(original.GetSize(), 2);
-    original = original;
+    const ZorWBIntegerEnum& itself = original;  // a self-assignment
+    original = itself;
     EXPECT_EQ(original.GetSize(), 2);
 }

@@ -79,3 +79,28 @@ TEST(ZorWBCheckLevel, FirstThresholdIsPlainLaterOnesWithinTheMajorRelease) {
     EXPECT_FALSE(ZorWBCheckLevel(0xFFFFFFFFu, 0xFFFFFFFFu));
     EXPECT_TRUE(ZorWBCheckLevel(ZorWBLevel::All, ZorWBLevel::EmptySegmentNoBuffer));
 }
+
+TEST(ZorWBEnvironment, MaximumEnumerationSizeStaysWithinTheListLimit) {
+    ZorWBEnvironment environment;
+    environment.SetMaxEnumSize(ZorWBMaxEnumSize);
+    EXPECT_EQ(environment.GetMaxEnumSize(), ZorWBMaxEnumSize);
+    environment.SetMaxEnumSize(ZorWBMaxEnumSize + 1);
+    EXPECT_EQ(environment.GetMaxEnumSize(), ZorWBMaxEnumSize);
+    environment.SetMaxEnumSize(2147483647);
+    EXPECT_EQ(environment.GetMaxEnumSize(), ZorWBMaxEnumSize);
+    environment.SetMaxEnumSize(-1);
+    EXPECT_EQ(environment.GetMaxEnumSize(), 0);
+
+    // A huge size still lists no more than the limit: a wider integer
+    // enumeration stays an interval.
+    environment.SetMaxEnumSize(2147483647);
+    ZorWBIntegerEnum wide;
+    wide.SetAsIntegerInterval({0, 1 << 30});
+    wide.Correct(environment);
+    EXPECT_EQ(wide.GetRep(), ZorWBEnumInterval);
+    ZorWBIntegerEnum narrow;
+    narrow.SetAsIntegerInterval({0, 999});
+    narrow.Correct(environment);
+    EXPECT_EQ(narrow.GetRep(), ZorWBEnumList);
+    EXPECT_EQ(narrow.GetSize(), 1000);
+}

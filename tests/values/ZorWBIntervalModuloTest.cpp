@@ -8,6 +8,7 @@
 
 #include "IntervalTestSupport.h"
 #include "values/ZorWBIntervalFunctions.h"
+#include "values/ZorWBValueFunctions.h"
 
 namespace {
 
@@ -132,10 +133,24 @@ TEST(ZorWBIntervalModulo, RealEdgeCases) {
         {ZorWBReal_Any, {3, 3}, 0, 3},
         // The remainder that a - b floor(a / b) gives in doubles.
         {{0.3, 0.3}, {0.1, 0.1}, RealModulo(0.3, 0.1), RealModulo(0.3, 0.1)},
+        // A quotient beyond 2^52: the exact remainder, in the divisor's range.
+        {{-1.96154140198989e23, -1.96154140198989e23},
+         {-4.909, -4.909},
+         std::fmod(-1.96154140198989e23, -4.909),
+         std::fmod(-1.96154140198989e23, -4.909)},
     };
     for (const auto& [a, b, low, high] : cases) {
         EXPECT_TRUE(Is(ZorWBMod(environment, a, b), low, high, 1e-15)) << a.low << " mod " << b.low;
     }
+    EXPECT_EQ(environment.GetError(), 0u);
+    // The value function gives the exact remainder of single numbers, also
+    // where the quotient overflows.
+    ZorWBValue tiny = ZorWBMod(environment, ZorWBValue(-2.60400390625), ZorWBValue(1e-309));
+    EXPECT_GE(tiny.GetAsReal(), 0.0);
+    EXPECT_LT(tiny.GetAsReal(), 1e-309);
+    ZorWBValue huge = ZorWBMod(environment, ZorWBValue(-1.96e23), ZorWBValue(-4.909));
+    EXPECT_LE(huge.GetAsReal(), 0.0);
+    EXPECT_GT(huge.GetAsReal(), -4.909);
     EXPECT_EQ(environment.GetError(), 0u);
     for (R divisor : {R{0, 0}, R{-1e-40, 1e-40}}) {
         const ZorWBEnvironment zero(0);

@@ -250,6 +250,41 @@ TEST(ZorWBValueArithmetic, IntegerQuotientsAndPowersAreExact) {
     EXPECT_EQ(environment.GetError(), 1u);
 }
 
+// A negative base has powers at the integral points of a real exponent
+// interval, as it has at an integral real exponent.
+TEST(ZorWBValueArithmetic, NegativeBasesToRealExponentIntervalsKeepTheIntegralExponents) {
+    ZorWBEnvironment environment;
+    auto power = [&](ZorWBRealInterval base, ZorWBRealInterval exponent) {
+        environment.ClearError();
+        return ZorWBPow(environment, ZorWBValue(base), ZorWBValue(exponent)).GetAsRealInterval();
+    };
+    // (-2)^2 = 4 and (-2)^3 = -8.
+    ZorWBRealInterval both = power({-2, -2}, {2, 3});
+    EXPECT_EQ(both.low, -8.0);
+    EXPECT_EQ(both.high, 4.0);
+    // [-3, -2] to 2: [4, 9]; the non-integral exponents have no power.
+    ZorWBRealInterval squares = power({-3, -2}, {2, 2.5});
+    EXPECT_EQ(squares.low, 4.0);
+    EXPECT_EQ(squares.high, 9.0);
+    ZorWBRealInterval inverse = power({-3, -2}, {-4, -3.5});
+    EXPECT_DOUBLE_EQ(inverse.low, 1.0 / 81);
+    EXPECT_DOUBLE_EQ(inverse.high, 1.0 / 16);
+    // A base across 0: the real power of [0, 2] and the powers of [-1, 2].
+    EXPECT_EQ(environment.GetError(), 0u);
+    ZorWBRealInterval across = power({-1, 2}, {1, 1.5});
+    EXPECT_EQ(across.low, -1.0);
+    EXPECT_DOUBLE_EQ(across.high, std::pow(2.0, 1.5));
+    EXPECT_EQ(environment.GetError(), 0u);
+    // Without an integral exponent a negative base has no power.
+    ZorWBRealInterval none = power({-3, -2}, {2.25, 2.5});
+    EXPECT_GT(none.low, none.high);
+    EXPECT_EQ(environment.GetError(), 1u);
+    // Many integral exponents: bounded by the powers of |base|, either sign.
+    ZorWBRealInterval many = power({-4.5, -2.5}, {-364904448, -364904446.5});
+    EXPECT_LE(many.low, 0.0);
+    EXPECT_GE(many.high, 0.0);
+}
+
 // The integer markers compute as infinities, through the reals.
 TEST(ZorWBValueArithmetic, InfinityMarkersBehaveAsInfinities) {
     ZorWBEnvironment environment;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <random>
 
 #include "ValueTestSupport.h"
@@ -90,6 +91,11 @@ TEST(ZorWBValueSets, UniteTakesTheCommonKind) {
     ZorWBValue empty(ZorWBReal_Nil);
     ZorWBUnite(environment, empty, ZorWBValue(ZorWBRealInterval{1, 2}));
     EXPECT_EQ(RealsOf(empty).low, 1.0);
+    // A NaN holds no number: the union holds the other operand.
+    ZorWBValue notANumber(std::nan(""));
+    ZorWBUnite(environment, notANumber, ZorWBValue(7552.0));
+    EXPECT_EQ(RealsOf(notANumber).low, 7552.0);
+    EXPECT_EQ(RealsOf(notANumber).high, 7552.0);
     EXPECT_EQ(environment.GetError(), 0u);
 }
 

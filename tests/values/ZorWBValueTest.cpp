@@ -4,6 +4,7 @@
 #include <cmath>
 #include <memory>
 #include <random>
+#include <vector>
 
 #include "AllocationCounter.h"
 #include "values/ZorWBEnvironment.h"
@@ -328,4 +329,41 @@ TEST(ZorWBValue, GeneratedConversionsAgreeWithEachOther) {
         ZorWBValue fraction = Simplified(MakeFraction(numerator, denominator, 0), false);
         ASSERT_DOUBLE_EQ(fraction.GetAsReal(), static_cast<double>(numerator) / denominator);
     }
+}
+
+TEST(ZorWBValue, ListsBeyondTheElementLimitAreHeldAsTheirHull) {
+    // Up to the limit a list; NaN elements are left out.
+    std::vector<double> reals = {3.0, NAN, -1.0, 3.0, 2.5};
+    ZorWBValue value;
+    value.Set(static_cast<int>(reals.size()), reals.data());
+    ASSERT_EQ(value.GetRealEnum().GetRep(), ZorWBEnumList);
+    ASSERT_EQ(value.GetRealEnum().GetSize(), 3);
+    EXPECT_EQ(value.GetRealEnum().Get(0), -1.0);
+    EXPECT_EQ(value.GetRealEnum().Get(2), 3.0);
+    std::vector<double> onlyNaN = {NAN, NAN};
+    value.Set(2, onlyNaN.data());
+    EXPECT_EQ(value.GetRealEnum().GetRep(), ZorWBEnumList);
+    EXPECT_EQ(value.GetRealEnum().GetSize(), 0);
+
+    std::vector<int> atLimit(ZorWBMaxEnumSize);
+    for (int i = 0; i < ZorWBMaxEnumSize; ++i)
+        atLimit[static_cast<std::size_t>(i)] = ZorWBMaxEnumSize - 2 * i;
+    value.Set(ZorWBMaxEnumSize, atLimit.data());
+    ASSERT_EQ(value.GetIntegerEnum().GetRep(), ZorWBEnumList);
+    EXPECT_EQ(value.GetIntegerEnum().GetSize(), ZorWBMaxEnumSize);
+
+    // One more element: the hull, whatever the order of the elements.
+    std::vector<int> beyond = atLimit;
+    beyond.push_back(-7 * ZorWBMaxEnumSize);
+    value.Set(static_cast<int>(beyond.size()), beyond.data());
+    ASSERT_EQ(value.GetIntegerEnum().GetRep(), ZorWBEnumInterval);
+    EXPECT_EQ(value.GetIntegerEnum().GetAsIntegerInterval().low, -7 * ZorWBMaxEnumSize);
+    EXPECT_EQ(value.GetIntegerEnum().GetAsIntegerInterval().high, ZorWBMaxEnumSize);
+    std::vector<double> realsBeyond(static_cast<std::size_t>(ZorWBMaxEnumSize) + 1, 0.5);
+    realsBeyond[7] = NAN;
+    realsBeyond[9] = -2.0;
+    value.Set(static_cast<int>(realsBeyond.size()), realsBeyond.data());
+    ASSERT_EQ(value.GetRealEnum().GetRep(), ZorWBEnumInterval);
+    EXPECT_EQ(value.GetRealEnum().GetAsRealInterval().low, -2.0);
+    EXPECT_EQ(value.GetRealEnum().GetAsRealInterval().high, 0.5);
 }

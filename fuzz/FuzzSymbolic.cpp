@@ -1,0 +1,247 @@
+// The symbolic transformation on generated systems that hold at a known
+// point: every equation is built from an expression's value there (with
+// slack for inequalities), so after the transformation, in any mode and with
+// either engine, every equation must still hold at that point.
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "FuzzBytes.h"
+#include "debug/ZorWBDebug.h"
+#include "expressions/ZorWBEquation.h"
+#include "expressions/ZorWBFactory.h"
+#include "expressions/ZorWBVariable.h"
+#include "output/ZorWBEquationPrinter.h"
+#include "symbolic/ZorWBSymbolicTransformations.h"
+
+namespace {
+
+// Operators on reals that the transformation rewrites.
+const ZorWBExpressionType RealTypes[] = {
+    ZorWBExpressionType::Sum,     ZorWBExpressionType::Sum,        ZorWBExpressionType::Product,
+    ZorWBExpressionType::Product, ZorWBExpressionType::Quotient,   ZorWBExpressionType::Power,
+    ZorWBExpressionType::Root,    ZorWBExpressionType::Sqrt,       ZorWBExpressionType::Log,
+    ZorWBExpressionType::Ln,      ZorWBExpressionType::Exp,        ZorWBExpressionType::Sin,
+    ZorWBExpressionType::Cos,     ZorWBExpressionType::Tan,        ZorWBExpressionType::Atan,
+    ZorWBExpressionType::Atan2,   ZorWBExpressionType::Sinh,       ZorWBExpressionType::Cosh,
+    ZorWBExpressionType::Tanh,    ZorWBExpressionType::Abs,        ZorWBExpressionType::Min,
+    ZorWBExpressionType::Max,     ZorWBExpressionType::UnaryMinus, ZorWBExpressionType::Dim,
+    ZorWBExpressionType::Sign,    ZorWBExpressionType::Mod,        ZorWBExpressionType::Floor,
+    ZorWBExpressionType::Asin,    ZorWBExpressionType::Acos,       ZorWBExpressionType::Asinh,
+};
+
+// The value of e evaluated afresh (no cached value hides an error), or NaN
+// when its evaluation reports an error.
+double Evaluate(ZorWBFactory& f, const ZorWBExpression* e) {
+    if (!e) return NAN;
+    f.ResetBuffer(nullptr);
+    const ZorWBEnvironment& environment = e->GetEnvironment();
+    environment.ClearError();
+    const ZorWBValue& value = e->GetValue();
+    double real = value.GetAsReal();
+    bool failed = environment.GetError() != ZorWBError::None || !value.IsExact(environment);
+    environment.ClearError();
+    return failed || !std::isfinite(real) || std::fabs(real) > 1e12 ? NAN : real;
+}
+
+class System {
+  public:
+    System(ZorWBFactory& f, FuzzBytes& in) : _f(f), _in(in) {
+        for (int i = 1 + in.Index(5); i > 0; --i) {
+            _variables.push_back(f.CreateVariable());
+            _point.push_back((in.Index(41) - 20) / 4.0);
+            _nodes.push_back(_variables.back());
+        }
+        AssignPoint();
+        for (int i = in.Index(6); i > 0; --i) {
+            if (in.Chance(60))
+                AddLinear();
+            else
+                AddGeneral();
+        }
+    }
+
+    void AssignPoint() {
+        for (std::size_t i = 0; i < _variables.size(); ++i)
+            _variables[i]->SetExprValue(ZorWBValue(_point[i]));
+    }
+
+    // The largest magnitude of a value that the system computes at the
+    // point: what rounding errors are relative to.
+    double Scale() const { return _scale; }
+
+  private:
+    ZorWBEquationType Relation() {
+        static const ZorWBEquationType relations[] = {
+            ZorWBEqualZero, ZorWBEqualZero,        ZorWBEqualZero,   ZorWBLessEqualZero,
+            ZorWBLessZero,  ZorWBGreaterEqualZero, ZorWBGreaterZero, ZorWBNotEqualZero};
+        return relations[_in.Index(8)];
+    }
+
+    // left (relation) its value at the point, with slack for inequalities.
+    void AddEquation(ZorWBExpression* left) {
+        double value = Evaluate(_f, left);
+        if (std::isnan(value)) return;
+        _scale = std::max(_scale, std::fabs(value));
+        ZorWBEquationType type = Relation();
+        double slack = 0.5 + _in.Index(4);
+        if (type == ZorWBLessEqualZero || type == ZorWBLessZero) value += slack;
+        if (type == ZorWBGreaterEqualZero || type == ZorWBGreaterZero) value -= slack;
+        if (type == ZorWBNotEqualZero) value += slack;
+        ZorWBExpression* right =
+            value == std::round(value) && std::fabs(value) < 1e9
+                ? static_cast<ZorWBExpression*>(_f.CreateIntegerConstant(static_cast<int>(value)))
+                : _f.CreateRealConstant(value);
+        _f.AddEquation(left, type, right);
+    }
+
+    ZorWBExpression* Variable() {
+        return _variables[static_cast<std::size_t>(_in.Index(static_cast<int>(_variables.size())))];
+    }
+
+    // c1 x1 + ... + cn xn, variables possibly repeated.
+    void AddLinear() {
+        std::vector<ZorWBExpression*> terms;
+        for (int k = 1 + _in.Index(4); k > 0; --k) {
+            int c = _in.Index(9) - 4;
+            ZorWBExpression* x = Variable();
+            terms.push_back(c == 1 ? x : _f.CreateProduct(_f.CreateIntegerConstant(c), x));
+        }
+        AddEquation(terms.size() == 1 ? terms.front()
+                                      : _f.CreateSum(static_cast<int>(terms.size()), terms.data()));
+    }
+
+    ZorWBExpression* Operand() {
+        if (_in.Chance(20)) {
+            switch (_in.Index(4)) {
+                case 0:
+                    return _f.CreateRealConstant((_in.Index(81) - 40) / 8.0);
+                case 1:
+                    return _f.GetPi();
+                default:
+                    return _f.CreateIntegerConstant(_in.Index(11) - 5);
+            }
+        }
+        int n = static_cast<int>(_nodes.size());
+        if (_in.Chance(30)) return _nodes[static_cast<std::size_t>(_in.Index(n))];
+        return _nodes[static_cast<std::size_t>(n - 1 - _in.Index(std::min(n, 4)))];
+    }
+
+    // Whether a function with jumps is taken at one of them, where an
+    // operand that rewriting moves by a rounding error (or turns from 0 to
+    // -0) changes the value by the jump: floor at an integer, sign at 0,
+    // mod at a multiple of the divisor, atan2 on its cut (y = 0, x < 0).
+    bool AtJump(ZorWBExpressionType type, const std::vector<ZorWBExpression*>& operands) {
+        auto near = [](double v, double to) { return std::fabs(v - to) <= 1e-9; };
+        double a = Evaluate(_f, operands[0]);
+        double b = operands.size() > 1 ? Evaluate(_f, operands[1]) : 0.0;
+        switch (type) {
+            case ZorWBExpressionType::Floor:
+                return near(a, std::round(a));
+            case ZorWBExpressionType::Sign:
+                return near(b, 0.0);
+            case ZorWBExpressionType::Mod:
+                return b == 0.0 || near(a / b, std::round(a / b));
+            case ZorWBExpressionType::Atan2:
+                return near(a, 0.0) && b <= 0.0;
+            default:
+                return false;
+        }
+    }
+
+    // An expression of a few operators over the variables and earlier nodes.
+    // One whose every node evaluates without error, within 1e6 and not
+    // within 1e-9 of 0 without being 0 at the point becomes an equation:
+    // such values may stand for a singularity that rounding hid
+    // (1 / sin(Pi), atan2(sin(Pi), sin(Pi))), which the transformation
+    // rightly brings out.
+    void AddGeneral() {
+        ZorWBExpression* last = nullptr;
+        bool wellConditioned = true;
+        for (int i = 1 + _in.Index(6); i > 0; --i) {
+            ZorWBExpressionType type = RealTypes[_in.Index(sizeof RealTypes / sizeof RealTypes[0])];
+            const ZorWBExpressionTypeInfo* info = ZorWBGetExpressionTypeInfo(type);
+            int arity = info->children >= 0 ? info->children : 2 + _in.Index(2);
+            std::vector<ZorWBExpression*> operands;
+            for (int k = 0; k < arity; ++k)
+                operands.push_back(Operand());
+            ZorWBExpression* node =
+                _f.CreateOperator(type, static_cast<int>(operands.size()), operands.data());
+            if (!node) continue;
+            double value = Evaluate(_f, node);
+            // A tiny non-zero value may be a zero that rounding moved.
+            wellConditioned = wellConditioned && std::fabs(value) <= 1e6 &&
+                              (value == 0.0 || std::fabs(value) >= 1e-9) && !AtJump(type, operands);
+            _nodes.push_back(node);
+            last = node;
+        }
+        if (last && wellConditioned) AddEquation(last);
+    }
+
+    ZorWBFactory& _f;
+    FuzzBytes& _in;
+    std::vector<ZorWBVariable*> _variables;
+    std::vector<double> _point;
+    std::vector<ZorWBExpression*> _nodes;
+    double _scale = 1.0;
+};
+
+bool Holds(ZorWBFactory& f, const ZorWBEquation* equation, double tolerance) {
+    double v = Evaluate(f, equation->GetRoot());
+    if (std::isnan(v)) return false;
+    switch (equation->GetType()) {
+        case ZorWBEqualZero:
+            return std::fabs(v) <= tolerance;
+        case ZorWBLessEqualZero:
+        case ZorWBLessZero:
+            return v <= tolerance;
+        case ZorWBGreaterEqualZero:
+        case ZorWBGreaterZero:
+            return v >= -tolerance;
+        default:  // no tolerance tells a root near 0 from 0
+            return true;
+    }
+}
+
+}  // namespace
+
+// The system the bytes describe, in a factory, and what follows it in the
+// bytes: the engine and the mode.
+struct Case {
+    ZorWBFactory factory;
+    FuzzBytes in;
+    System system;
+    Case(const std::uint8_t* data, std::size_t size)
+        : in(data, size), system(UseEngine(factory, in), in) {}
+
+    static ZorWBFactory& UseEngine(ZorWBFactory& factory, FuzzBytes& in) {
+        factory.GetEnvironment().SetUseOldSymbolicTransformations(in.Chance(25));
+        return factory;
+    }
+};
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Case c(data, size);
+    ZorWBFactory& f = c.factory;
+    unsigned mode = static_cast<unsigned>(c.in.Index(32));
+    ZorWBSymbolicTransformations* st = ZorCreateWBSymbolicTransformations(0, f);
+    if (!st) return 0;
+    st->SetMode(mode);
+    st->Run();
+    ZorRemove(st);
+    c.system.AssignPoint();
+    double tolerance = 1e-7 * c.system.Scale();
+    for (ZorWBEquation* e = f.GetFirstEquation(); e; e = e->GetNext()) {
+        if (Holds(f, e, tolerance)) continue;
+        // The system before the transformation, made again from the bytes.
+        Case before(data, size);
+        FuzzFail("mode " + std::to_string(mode) + ": " +
+                 ZorWBEquationPrinter::Print(e).GetStdString() +
+                 " does not hold: " + e->GetRoot()->GetValue().Str().GetStdString() +
+                 "; before:\n" + ZorWBEquationPrinter::Print(before.factory).GetStdString() +
+                 "after:\n" + ZorWBEquationPrinter::Print(f).GetStdString());
+    }
+    return 0;
+}
