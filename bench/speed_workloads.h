@@ -8,6 +8,7 @@
 #ifndef ZORWBX_BENCH_SPEED_WORKLOADS_H
 #define ZORWBX_BENCH_SPEED_WORKLOADS_H
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -69,11 +70,12 @@ inline std::vector<ZorWBExpression*> Fill(ZorWBFactory& factory, const std::stri
     return roots;
 }
 
-// Every variable gets a real (width 0) or a real interval value of width
-// 0.01 around a value that depends on its index.
+// Every variable gets a real or a real interval value of width 0.01 around
+// a value spread over [0.5, 1.5) by its index (golden-ratio steps, so that
+// the differences of the chain are not all alike).
 inline void SetVariables(ZorWBFactory& factory, bool intervals) {
     for (int i = 0; i < factory.GetNbOfVariables(); ++i) {
-        double middle = 0.5 + 0.001 * i;
+        double middle = 0.5 + std::fmod(0.6180339887498949 * i, 1.0);
         ZorWBValue value = intervals ? ZorWBValue(ZorWBRealInterval{middle - 0.005, middle + 0.005})
                                      : ZorWBValue(middle);
         factory.GetVariable(i)->SetExprValue(value);

@@ -2,6 +2,7 @@
 #define ZORWB_FACTORY_H
 
 #include <functional>
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -22,6 +23,7 @@ class ZorWBCalculusSession;
 class ZorWBDerivBlackBox;
 class ZorWBEquation;
 class ZorWBOperator;
+class ZorWBRealProgramCache;
 class ZorWBSegmentFunction;
 class ZorWBSegmentFunctionDataPt;
 class ZorWBSegmentFunctionInterval;
@@ -477,6 +479,17 @@ class ZORWBX_API ZorWBFactory {
     // factory was made or the counter reset.
     long long GetNbOfEvaluations() const { return _nbOfEvaluations; }
     void ResetNbOfEvaluations() { _nbOfEvaluations = 0; }
+    // Eval() of a root of some size compiles the root's subgraph at its
+    // second call and then runs the compiled program (same results to the
+    // bit); the programs are dropped whenever the structure of the graph
+    // changes. Turning them off makes every Eval() walk the nodes.
+    void EnableRealPrograms(bool enable);
+    bool IsRealProgramsEnabled() const;
+    // How many Eval() calls a compiled program answered.
+    long long GetNbOfRealProgramRuns() const;
+    // A number that changes whenever a node loses, gains or swaps a child, a
+    // Step parameter or a black box, or is destroyed.
+    unsigned long long GetStructureVersion() const { return _structureVersion; }
 
     // ------------------------------------------------------------ equations
     ZorWBEquation* AddEquation(ZorWBExpression* root, ZorWBEquationType type);
@@ -631,6 +644,7 @@ class ZORWBX_API ZorWBFactory {
     friend class ZorWBGraphWalk;
     friend class ZorWBCalculusScope;
     friend class ZorWBBlackBoxOperator;
+    friend class ZorWBRealProgram;
 
     // One step of the explicit stack of an evaluation.
     struct EvalFrame {
@@ -697,6 +711,10 @@ class ZORWBX_API ZorWBFactory {
 
     // Walk numbers (see ZorWBGraphWalk): a fresh one per walk.
     unsigned int NewWalk();
+    void NoteStructureChange() { ++_structureVersion; }
+    // The compiled programs of Eval(), made at first use (null when memory
+    // is short).
+    ZorWBRealProgramCache* RealPrograms();
 
     ZorQelListPZorWBExpression _expressions;
     ZorQelArray<ZorWBVariable*> _variables;
@@ -730,6 +748,9 @@ class ZORWBX_API ZorWBFactory {
     unsigned int _realWalk = 0;   // walk number of the running real evaluation
     int _evaluationDepth = 0;
     long long _nbOfEvaluations = 0;
+    unsigned long long _structureVersion = 0;
+    std::unique_ptr<ZorWBRealProgramCache> _realPrograms;
+    bool _realProgramsEnabled = true;
 };
 
 #endif

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "expressions/ZorWBOperator.h"
+#include "expressions/ZorWBRealFunctions.h"
 #include "values/ZorWBValueFunctions.h"
 
 namespace {
@@ -14,10 +15,9 @@ using Type = ZorWBExpressionType;
 using UnaryValueFunction = ZorWBValue (*)(const ZorWBEnvironment&, const ZorWBValue&);
 using BinaryValueFunction = ZorWBValue (*)(const ZorWBEnvironment&, const ZorWBValue&,
                                            const ZorWBValue&);
-using UnaryRealFunction = double (*)(double);
-using BinaryRealFunction = double (*)(double, double);
-// Comparisons read the environment's tolerance.
-using LogicalRealFunction = double (*)(double, double, double tolerance);
+using UnaryRealFunction = ZorWBUnaryRealFunction;
+using BinaryRealFunction = ZorWBBinaryRealFunction;
+using LogicalRealFunction = ZorWBLogicalRealFunction;
 
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
@@ -99,7 +99,7 @@ BinaryKind BinaryKindOf(Type type) {
         case Type::Min:      return {ZorWBMin, [](double a, double b) { return std::fmin(a, b); }};
         case Type::Max:      return {ZorWBMax, [](double a, double b) { return std::fmax(a, b); }};
         case Type::Quotient: return {ZorWBDiv, [](double a, double b) { return a / b; }};
-        case Type::Power:    return {ZorWBPow, [](double a, double b) { return std::pow(a, b); }};
+        case Type::Power:    return {ZorWBPow, ZorWBRealPower};
         case Type::Root:     return {[](E e, V a, V b) { return ZorWBRoot(e, a, b); }, RealRoot};
         case Type::Atan2:    return {[](E e, V y, V x) { return ZorWBAtan2(e, y, x); },
                                      [](double y, double x) { return std::atan2(y, x); }};
@@ -137,6 +137,20 @@ LogicalKind LogicalKindOf(Type type) {
 }
 
 }  // namespace
+
+double ZorWBLibraryPower(double x, double y) {
+    return std::pow(x, y);
+}
+
+ZorWBUnaryRealFunction ZorWBUnaryRealFunctionOf(ZorWBExpressionType type) {
+    return UnaryKindOf(type).real;
+}
+ZorWBBinaryRealFunction ZorWBBinaryRealFunctionOf(ZorWBExpressionType type) {
+    return BinaryKindOf(type).real;
+}
+ZorWBLogicalRealFunction ZorWBLogicalRealFunctionOf(ZorWBExpressionType type) {
+    return LogicalKindOf(type).real;
+}
 
 // ------------------------------------------------------------ Not
 
