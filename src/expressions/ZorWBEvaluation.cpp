@@ -24,7 +24,9 @@
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBOperator.h"
+#include "expressions/ZorWBProgramCache.h"
 #include "expressions/ZorWBRealProgram.h"
+#include "expressions/ZorWBValueProgram.h"
 
 namespace {
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
@@ -119,35 +121,67 @@ const ZorWBValue& ZorWBExpression::ComputeValue() const {
     ZorWBFactory& factory = *_factory;
     factory.SetBufferUsed();
     if (factory._evaluationDepth == 0) factory.InitEnvForEval();
-    RunEvaluation<false>();
+    ZorWBProgramCache<ZorWBValueProgram>* programs = factory.ValuePrograms();
+    if (ZorWBValueProgram* program = programs ? programs->Find(this) : nullptr) {
+        ZorWBProgramCache<ZorWBValueProgram>::Running running(*programs);
+        program->Run(factory);
+        return _value;
+    }
+    int computed = RunEvaluation<false>();
+    if (programs) programs->Remember(this, computed);
     return _value;
 }
 
 void ZorWBExpression::FinishValue() const {
-    DoEval(_value);
+    if (IsLeaf() || !_factory->_fastValues ||
+        !static_cast<const ZorWBOperator*>(this)->EvaluateFast())
+        DoEval(_value);
     if (_previousValue) *_previousValue = _value;
     if (AllowsBufferEval()) _flags |= BufferValidFlag;
 }
 
 double ZorWBExpression::Eval() const {
     if (IsLeaf()) return DoEval();
-    ZorWBRealProgramCache* programs = _factory->RealPrograms();
-    double value;
-    if (programs && programs->Run(this, value)) return value;
+    ZorWBProgramCache<ZorWBRealProgram>* programs = _factory->RealPrograms();
+    if (ZorWBRealProgram* program = programs ? programs->Find(this) : nullptr) {
+        ZorWBProgramCache<ZorWBRealProgram>::Running running(*programs);
+        return program->Run(*_factory);
+    }
     int computed = RunEvaluation<true>();
     if (programs) programs->Remember(this, computed);
     return _real;
 }
 
-ZorWBRealProgramCache* ZorWBFactory::RealPrograms() {
-    if (!_realPrograms && _realProgramsEnabled)
-        _realPrograms.reset(new (std::nothrow) ZorWBRealProgramCache(*this));
-    return _realPrograms.get();
+namespace {
+// The cache behind pointer, made at first use while enabled.
+template <class Program>
+ZorWBProgramCache<Program>* CacheOf(std::unique_ptr<ZorWBProgramCache<Program>>& pointer,
+                                    ZorWBFactory& factory, bool enabled) {
+    if (!pointer && enabled) pointer.reset(new (std::nothrow) ZorWBProgramCache<Program>(factory));
+    return pointer.get();
+}
+}  // namespace
+
+ZorWBProgramCache<ZorWBRealProgram>* ZorWBFactory::RealPrograms() {
+    return CacheOf(_realPrograms, *this, _realProgramsEnabled);
+}
+
+ZorWBProgramCache<ZorWBValueProgram>* ZorWBFactory::ValuePrograms() {
+    return CacheOf(_valuePrograms, *this, _fastValues);
 }
 
 void ZorWBFactory::EnableRealPrograms(bool enable) {
     _realProgramsEnabled = enable;
     if (_realPrograms) _realPrograms->Enable(enable);
+}
+
+void ZorWBFactory::EnableFastValues(bool enable) {
+    _fastValues = enable;
+    if (_valuePrograms) _valuePrograms->Enable(enable);
+}
+
+long long ZorWBFactory::GetNbOfValueProgramRuns() const {
+    return _valuePrograms ? _valuePrograms->GetNbOfRuns() : 0;
 }
 
 bool ZorWBFactory::IsRealProgramsEnabled() const {

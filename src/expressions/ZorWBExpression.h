@@ -213,6 +213,7 @@ class ZORWBX_API ZorWBExpression {
     friend class ZorWBOperator;
     friend class ZorWBGraphWalk;
     friend class ZorWBRealProgram;
+    friend class ZorWBValueProgram;
 
     // Evaluates the nodes below this one that need it, and this one; the
     // number of nodes computed.

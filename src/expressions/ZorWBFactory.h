@@ -23,7 +23,10 @@ class ZorWBCalculusSession;
 class ZorWBDerivBlackBox;
 class ZorWBEquation;
 class ZorWBOperator;
-class ZorWBRealProgramCache;
+class ZorWBRealProgram;
+class ZorWBValueProgram;
+template <class Program>
+class ZorWBProgramCache;
 class ZorWBSegmentFunction;
 class ZorWBSegmentFunctionDataPt;
 class ZorWBSegmentFunctionInterval;
@@ -487,6 +490,16 @@ class ZORWBX_API ZorWBFactory {
     bool IsRealProgramsEnabled() const;
     // How many Eval() calls a compiled program answered.
     long long GetNbOfRealProgramRuns() const;
+    // GetValue computes the most frequent kinds (real intervals combined
+    // with integers, reals and intervals) without the general dispatch of
+    // the value functions, and a root that keeps being evaluated in full
+    // runs a compiled program of its node walk (ZorWBValueProgram): same
+    // values, errors, recorded environments, buffers and counts. Off, every
+    // node goes through its DoEval in the node walk.
+    void EnableFastValues(bool enable);
+    bool IsFastValuesEnabled() const { return _fastValues; }
+    // How many GetValue calls a compiled program answered.
+    long long GetNbOfValueProgramRuns() const;
     // A number that changes whenever a node loses, gains or swaps a child, a
     // Step parameter or a black box, or is destroyed.
     unsigned long long GetStructureVersion() const { return _structureVersion; }
@@ -645,6 +658,7 @@ class ZORWBX_API ZorWBFactory {
     friend class ZorWBCalculusScope;
     friend class ZorWBBlackBoxOperator;
     friend class ZorWBRealProgram;
+    friend class ZorWBValueProgram;
 
     // One step of the explicit stack of an evaluation.
     struct EvalFrame {
@@ -712,9 +726,10 @@ class ZORWBX_API ZorWBFactory {
     // Walk numbers (see ZorWBGraphWalk): a fresh one per walk.
     unsigned int NewWalk();
     void NoteStructureChange() { ++_structureVersion; }
-    // The compiled programs of Eval(), made at first use (null when memory
-    // is short).
-    ZorWBRealProgramCache* RealPrograms();
+    // The compiled programs of Eval() and GetValue(), made at first use
+    // (null when memory is short or they are turned off).
+    ZorWBProgramCache<ZorWBRealProgram>* RealPrograms();
+    ZorWBProgramCache<ZorWBValueProgram>* ValuePrograms();
 
     ZorQelListPZorWBExpression _expressions;
     ZorQelArray<ZorWBVariable*> _variables;
@@ -749,8 +764,10 @@ class ZORWBX_API ZorWBFactory {
     int _evaluationDepth = 0;
     long long _nbOfEvaluations = 0;
     unsigned long long _structureVersion = 0;
-    std::unique_ptr<ZorWBRealProgramCache> _realPrograms;
+    std::unique_ptr<ZorWBProgramCache<ZorWBRealProgram>> _realPrograms;
+    std::unique_ptr<ZorWBProgramCache<ZorWBValueProgram>> _valuePrograms;
     bool _realProgramsEnabled = true;
+    bool _fastValues = true;
 };
 
 #endif

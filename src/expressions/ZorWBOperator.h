@@ -59,6 +59,11 @@ class ZORWBX_API ZorWBOperator : public ZorWBExpression {
     friend class ZorWBEqualityEngine;
     bool ReplaceChildUnchecked(int i, ZorWBExpression* child);
     ZorWBExpression* ChildAt(int i) const { return _children[i]; }
+    // Computes the value field for the most frequent kinds (real intervals
+    // with integers, reals and real intervals) without the kind dispatch of
+    // the value functions, as DoEval would; false, touching nothing, for
+    // any other case.
+    bool EvaluateFast() const;
 
     ZorWBExpression** _children;
     int _nbOfChildren = 0;

@@ -1,5 +1,4 @@
-// Compilation and execution of the real programs behind Eval(), and the
-// factory's cache of them.
+// Compilation and execution of the real programs behind Eval().
 
 #include "expressions/ZorWBRealProgram.h"
 
@@ -140,7 +139,7 @@ class ZorWBRealProgramCompiler {
         while (!stack.empty()) {
             Frame& frame = stack.back();
             const ZorWBExpression* node = frame.node;
-            int n = ZorWBGraphWalk::NbOfChildren(node);
+            int n = ZorWBGraphWalk::NbOfEvaluatedChildren(node);
             switch (frame.step) {
                 case Enter: {
                     NodeInfo& info = Info(node);
@@ -623,70 +622,4 @@ void ZorWBRealProgram::Execute(const ZorWBFactory& factory, unsigned int walk) {
                 break;
         }
     }
-}
-
-// ------------------------------------------------------------ cache
-
-bool ZorWBRealProgramCache::Run(const ZorWBExpression* root, double& value) try {
-    if (!_enabled || _running || _entries.empty()) return false;
-    Refresh();
-    auto found = _entries.find(root);
-    if (found == _entries.end() || found->second.failed) return false;
-    Entry& entry = found->second;
-    if (!entry.program) {
-        entry.program = ZorWBRealProgram::Compile(root);
-        if (!entry.program) {
-            entry.failed = true;
-            return false;
-        }
-        _totalSize += entry.program->GetSize();
-        if (_totalSize > Budget()) {
-            // Room for this one program only.
-            std::unique_ptr<ZorWBRealProgram> kept = std::move(entry.program);
-            Clear();
-            _totalSize = kept->GetSize();
-            _entries[root].program = std::move(kept);
-            found = _entries.find(root);
-        }
-    }
-    _running = true;
-    value = found->second.program->Run(_factory);
-    _running = false;
-    ++_runs;
-    return true;
-} catch (const std::exception&) {
-    _running = false;
-    return false;
-}
-
-void ZorWBRealProgramCache::Remember(const ZorWBExpression* root, int nodes) try {
-    if (!_enabled || _running || nodes < MinNodes) return;
-    Refresh();
-    _entries.emplace(root, Entry());
-} catch (const std::exception&) {
-}
-
-void ZorWBRealProgramCache::Enable(bool enabled) {
-    if (_running) return;
-    _enabled = enabled;
-    if (!enabled) Clear();
-}
-
-void ZorWBRealProgramCache::Refresh() {
-    if (_version == _factory.GetStructureVersion()) return;
-    Clear();
-    _version = _factory.GetStructureVersion();
-}
-
-void ZorWBRealProgramCache::Clear() {
-    _entries.clear();
-    _totalSize = 0;
-}
-
-// Programs may take four instructions per node of the factory, and some room
-// for small factories.
-std::size_t ZorWBRealProgramCache::Budget() const {
-    std::size_t nodes = static_cast<std::size_t>(_factory.GetNbOfExpressions()) +
-                        static_cast<std::size_t>(_factory.GetNbOfTemporaryExpressions());
-    return 4 * nodes + 4096;
 }

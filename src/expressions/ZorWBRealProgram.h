@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 #include "expressions/ZorWBRealFunctions.h"
@@ -93,53 +92,6 @@ class ZorWBRealProgram {
     unsigned int _epoch = 0;
     int _result = 0;
     bool _callsNodes = false;
-};
-
-// The real programs of one factory's roots. A root gets a program at its
-// second Eval (the first one walks the nodes as usual), when the walk
-// reached enough nodes for compiling to pay. Every program goes when the
-// structure of the factory's graph changes (ZorWBFactory::GetStructureVersion)
-// and, should their total size outgrow a bound tied to the number of nodes,
-// all of them go to make room.
-class ZorWBRealProgramCache {
-  public:
-    explicit ZorWBRealProgramCache(ZorWBFactory& factory) : _factory(factory) {}
-    ZorWBRealProgramCache(const ZorWBRealProgramCache&) = delete;
-    ZorWBRealProgramCache& operator=(const ZorWBRealProgramCache&) = delete;
-
-    // Runs the program of root into value, compiling it now when root was
-    // walked once already. False when root must be walked instead: a first
-    // evaluation, a root too small, a program that cannot be made, programs
-    // turned off, or a program running already (a black box evaluating: no
-    // program is made, dropped or run before it returns).
-    bool Run(const ZorWBExpression* root, double& value);
-    // Records that root was walked and computed nodes nodes.
-    void Remember(const ZorWBExpression* root, int nodes);
-    // Turned off, the cache forgets every program and Run always declines.
-    void Enable(bool enabled);
-    bool IsEnabled() const { return _enabled; }
-    long long GetNbOfRuns() const { return _runs; }
-
-    // Programs are compiled for roots whose walk reached this many nodes.
-    static constexpr int MinNodes = 8;
-
-  private:
-    struct Entry {
-        std::unique_ptr<ZorWBRealProgram> program;
-        bool failed = false;
-    };
-    // Forgets every program made before the graph last changed.
-    void Refresh();
-    void Clear();
-    std::size_t Budget() const;
-
-    ZorWBFactory& _factory;
-    std::unordered_map<const ZorWBExpression*, Entry> _entries;
-    unsigned long long _version = 0;
-    std::size_t _totalSize = 0;
-    long long _runs = 0;
-    bool _running = false;
-    bool _enabled = true;
 };
 
 #endif
