@@ -659,6 +659,8 @@ class ZORWBX_API ZorWBFactory {
     friend class ZorWBBlackBoxOperator;
     friend class ZorWBRealProgram;
     friend class ZorWBValueProgram;
+    friend class ZorWBCalculusSession;
+    friend class ZorWBIntegrateOperator;
 
     // One step of the explicit stack of an evaluation.
     struct EvalFrame {
@@ -764,6 +766,8 @@ class ZORWBX_API ZorWBFactory {
     int _evaluationDepth = 0;
     long long _nbOfEvaluations = 0;
     unsigned long long _structureVersion = 0;
+    // Integrate nodes alive (permanent and temporary).
+    int _nbOfIntegrateNodes = 0;
     std::unique_ptr<ZorWBProgramCache<ZorWBRealProgram>> _realPrograms;
     std::unique_ptr<ZorWBProgramCache<ZorWBValueProgram>> _valuePrograms;
     bool _realProgramsEnabled = true;

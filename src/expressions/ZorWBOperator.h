@@ -176,7 +176,10 @@ class ZORWBX_API ZorWBIfThenElseOperator : public ZorWBOperator {
 class ZORWBX_API ZorWBIntegrateOperator : public ZorWBOperator {
   protected:
     friend class ZorWBFactory;
-    using ZorWBOperator::ZorWBOperator;
+    // Counted by the factory (see ZorWBCalculusSession::IsSkipped).
+    ZorWBIntegrateOperator(ZorWBFactory* factory, ZorWBExpressionType type, int tag, int n,
+                           ZorWBExpression* const* children);
+    ~ZorWBIntegrateOperator() override;
     ZORWB_OPERATOR_FAMILY_OVERRIDES
 };
 
