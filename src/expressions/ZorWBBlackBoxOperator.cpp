@@ -42,6 +42,7 @@ ZorWBBlackBoxOperator::~ZorWBBlackBoxOperator() {
 }
 
 void ZorWBBlackBoxOperator::RemoveBlackBox(bool clearOperator) {
+    NoteStructureChange();
     if (clearOperator && _blackBox && _blackBox->GetOperator() == this)
         _blackBox->SetOperator(nullptr);
     _blackBox = nullptr;

@@ -8,8 +8,8 @@ using Type = ZorWBExpressionType;
 // ------------------------------------------------------------ scope
 
 ZorWBCalculusScope::ZorWBCalculusScope(ZorWBFactory& factory, ZorWBVariable* variable)
-    : _factory(factory), _outer(factory._calculusSession), _own(variable), _session(&_own) {
-    if (_outer && _outer->GetVariable() == variable) _session = _outer;
+    : _factory(factory), _outer(factory._calculusSession), _session(_outer) {
+    if (!_outer || _outer->GetVariable() != variable) _session = &_own.emplace(variable);
     _factory._calculusSession = _session;
 }
 
@@ -41,6 +41,42 @@ bool ZorWBCalculusSession::IsConstant(const ZorWBExpression* node) {
         }
         return true;
     });
+}
+
+bool ZorWBCalculusSession::IsAncestor(const ZorWBExpression* node) {
+    if (!_ancestorsKnown) {
+        // Upward from the variable through the parent lists.
+        std::vector<const ZorWBExpression*> stack{_variable};
+        _ancestors.insert(_variable);
+        while (!stack.empty()) {
+            const ZorWBExpression* current = stack.back();
+            stack.pop_back();
+            for (int i = 0; i < current->GetNbOfParents(); ++i) {
+                const ZorWBExpression* parent = current->GetParent(i);
+                if (_ancestors.insert(parent).second) stack.push_back(parent);
+            }
+        }
+        _ancestorsKnown = true;
+    }
+    return _ancestors.count(node) != 0;
+}
+
+bool ZorWBCalculusSession::UsesAncestors() {
+    if (_shortcut == Shortcut::Unknown) {
+        const ZorWBFactory& factory = *_variable->GetFactory();
+        const ZorWBEnvironment& environment = factory.GetEnvironment();
+        _firstNewTag = factory.GetGlobalTag();
+        bool on = environment.CheckLevel(ZorWBLevel::PredefinedZeroOne) &&
+                  environment.CheckLevel(ZorWBLevel::DifferentiateMinMax) &&
+                  factory._nbOfIntegrateNodes == 0 && _firstNewTag < ZorWBFactory::MaxTag;
+        _shortcut = on ? Shortcut::On : Shortcut::Off;
+    }
+    return _shortcut == Shortcut::On;
+}
+
+bool ZorWBCalculusSession::IsSkipped(const ZorWBExpression* node) {
+    if (_variable && UsesAncestors() && node->GetTag() < _firstNewTag) return !IsAncestor(node);
+    return IsConstant(node);
 }
 
 // Comparisons and logic are piecewise constant: their rules use no
@@ -75,7 +111,7 @@ void ZorWBCalculusSession::DifferentiateBelow(const ZorWBExpression* root) {
     auto known = [this](const ZorWBExpression* node) { return _derivatives.count(node) != 0; };
     auto follow = [this](const ZorWBExpression* node, int i) {
         const ZorWBExpression* child = ZorWBGraphWalk::Child(node, i);
-        return !child->IsLeaf() && UsesChildDerivative(node, i) && !IsConstant(child);
+        return !child->IsLeaf() && UsesChildDerivative(node, i) && !IsSkipped(child);
     };
     // Most nodes reached by the walk find their children done already.
     bool pending = false;

@@ -1,7 +1,9 @@
 #ifndef ZORWB_CALCULUSSESSION_H
 #define ZORWB_CALCULUSSESSION_H
 
+#include <optional>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "expressions/ZorWBExpression.h"
 
@@ -40,6 +42,15 @@ class ZorWBCalculusSession {
     void DifferentiateBelow(const ZorWBExpression* root);
     // ZorWBExpression::IsConstant, each node looked at once per session.
     bool IsConstant(const ZorWBExpression* node);
+    // Whether the differentiation passes over node: its derivative is the
+    // shared Zero. Where every rule gives Zero for a subgraph free of the
+    // variable and makes no node on the way (from the level
+    // ZorWBLevel::PredefinedZeroOne on, in a factory without Integrate nodes,
+    // which may have no derivative at all), these are the nodes that are not
+    // ancestors of the variable, and nothing below them is looked at; nodes
+    // made during the session, and every node elsewhere, are passed over
+    // when constant.
+    bool IsSkipped(const ZorWBExpression* node);
 
     // ------------------------------------------------------------ antiderivatives
     bool FindAntiDerivative(const ZorWBExpression* node, ZorWBExpression*& antiDerivative,
@@ -73,6 +84,16 @@ class ZorWBCalculusSession {
     bool IntegratesChild(const ZorWBExpression* node, int i);
 
     ZorWBVariable* _variable;
+    // The ancestors of the variable when the session opened (gathered at
+    // first use) and the first tag given after that.
+    std::unordered_set<const ZorWBExpression*> _ancestors;
+    bool _ancestorsKnown = false;
+    // Gathers _ancestors at first use; whether node is one of them.
+    bool IsAncestor(const ZorWBExpression* node);
+    // Decided at first use: whether the ancestors tell the skipped nodes.
+    bool UsesAncestors();
+    enum class Shortcut { Unknown, On, Off } _shortcut = Shortcut::Unknown;
+    int _firstNewTag = 0;
     std::unordered_map<const ZorWBExpression*, ZorWBExpression*> _derivatives;
     std::unordered_map<const ZorWBExpression*, bool> _constants;
     std::unordered_map<const ZorWBExpression*, AntiDerivative> _antiDerivatives;
@@ -93,7 +114,7 @@ class ZorWBCalculusScope {
   private:
     ZorWBFactory& _factory;
     ZorWBCalculusSession* _outer;
-    ZorWBCalculusSession _own;
+    std::optional<ZorWBCalculusSession> _own;  // made unless the scope joins
     ZorWBCalculusSession* _session;
 };
 

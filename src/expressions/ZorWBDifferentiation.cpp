@@ -58,7 +58,7 @@ ZorWBExpression* ZorWBOperator::DoDifferentiate(ZorWBVariable* variable) try {
     std::vector<ZorWBExpression*> terms;
     for (int i = 0; i < _nbOfChildren; ++i) {
         ZorWBExpression* child = _children[i];
-        if (!child || session.IsConstant(child)) continue;
+        if (!child || session.IsSkipped(child)) continue;
         ZorWBExpression* derivative = Differentiate(child, variable);
         if (!derivative) return nullptr;
         if (ZorWBTermBuilder::IsZero(derivative)) continue;

@@ -1,5 +1,6 @@
 // Evaluation of nodes: the buffered value evaluation behind GetValue and the
-// plain real-number evaluation behind Eval().
+// plain real-number evaluation behind Eval(), which runs a compiled program
+// (ZorWBRealProgram) for roots evaluated again and again.
 //
 // Both run one explicit stack (kept by the factory, so that evaluating does
 // not allocate once it has grown) instead of recursing: a node is pushed,
@@ -23,6 +24,9 @@
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBOperator.h"
+#include "expressions/ZorWBProgramCache.h"
+#include "expressions/ZorWBRealProgram.h"
+#include "expressions/ZorWBValueProgram.h"
 
 namespace {
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
@@ -33,9 +37,9 @@ unsigned int ZorWBFactory::NewWalk() {
         // The numbers wrapped: forget every mark so that none is mistaken
         // for a new walk.
         for (ZorWBExpression* node : _expressions)
-            node->_walkMark = 0;
+            node->_walkMark = node->_realMark = 0;
         for (ZorWBExpression* node : _temporaryExpressions)
-            node->_walkMark = 0;
+            node->_walkMark = node->_realMark = 0;
         _valueWalk = 0;
         _realWalk = 0;
         _walkCounter = 1;
@@ -54,7 +58,7 @@ int ZorWBExpression::NextIfThenElseChild(const ZorWBExpression* node, int positi
 }
 
 template <bool Real>
-void ZorWBExpression::RunEvaluation() const {
+int ZorWBExpression::RunEvaluation() const {
     ZorWBFactory& factory = *_factory;
     unsigned int& running = Real ? factory._realWalk : factory._valueWalk;
     unsigned int outer = running;
@@ -64,7 +68,9 @@ void ZorWBExpression::RunEvaluation() const {
 
     std::vector<ZorWBFactory::EvalFrame>& stack = factory._evalStack;
     std::size_t base = stack.size();
-    auto finish = [&factory](const ZorWBExpression* node) {
+    int computed = 0;
+    auto finish = [&factory, &computed](const ZorWBExpression* node) {
+        ++computed;
         if (Real) {
             node->_real = node->DoEval();
         } else {
@@ -81,13 +87,16 @@ void ZorWBExpression::RunEvaluation() const {
         }
     };
 
-    _walkMark = walk;
+    auto markOf = [](const ZorWBExpression* node) -> unsigned int& {
+        return Real ? node->_realMark : node->_walkMark;
+    };
+    markOf(this) = walk;
     if (!push(this)) finish(this);
     while (stack.size() > base) {
         ZorWBFactory::EvalFrame& frame = stack.back();
         const ZorWBExpression* node = frame.node;
         int position = frame.position++;
-        int childIndex = node->_type == ZorWBExpressionType::IfThenElse
+        int childIndex = node->GetType() == ZorWBExpressionType::IfThenElse
                              ? NextIfThenElseChild(node, position, Real)
                              : (position < ZorWBGraphWalk::NbOfChildren(node) ? position : -1);
         if (childIndex < 0) {
@@ -96,35 +105,91 @@ void ZorWBExpression::RunEvaluation() const {
             continue;
         }
         const ZorWBExpression* child = ZorWBGraphWalk::Child(node, childIndex);
-        bool ready = child->_walkMark == walk || (!Real && (child->_flags & BufferValidFlag));
+        bool ready = markOf(child) == walk || (!Real && (child->_flags & BufferValidFlag));
         if (ready) continue;
-        child->_walkMark = walk;
+        markOf(child) = walk;
         // A leaf has nothing below it to wait for.
         if (child->IsLeaf() || !push(child)) finish(child);
     }
 
     --factory._evaluationDepth;
     running = outer;
+    return computed;
 }
 
 const ZorWBValue& ZorWBExpression::ComputeValue() const {
     ZorWBFactory& factory = *_factory;
     factory.SetBufferUsed();
     if (factory._evaluationDepth == 0) factory.InitEnvForEval();
-    RunEvaluation<false>();
+    ZorWBProgramCache<ZorWBValueProgram>* programs = factory.ValuePrograms();
+    if (ZorWBValueProgram* program = programs ? programs->Find(this) : nullptr) {
+        ZorWBProgramCache<ZorWBValueProgram>::Running running(*programs);
+        program->Run(factory);
+        return _value;
+    }
+    int computed = RunEvaluation<false>();
+    if (programs) programs->Remember(this, computed);
     return _value;
 }
 
 void ZorWBExpression::FinishValue() const {
-    DoEval(_value);
+    if (IsLeaf() || !_factory->_fastValues ||
+        !static_cast<const ZorWBOperator*>(this)->EvaluateFast())
+        DoEval(_value);
     if (_previousValue) *_previousValue = _value;
     if (AllowsBufferEval()) _flags |= BufferValidFlag;
 }
 
 double ZorWBExpression::Eval() const {
     if (IsLeaf()) return DoEval();
-    RunEvaluation<true>();
+    ZorWBProgramCache<ZorWBRealProgram>* programs = _factory->RealPrograms();
+    if (ZorWBRealProgram* program = programs ? programs->Find(this) : nullptr) {
+        ZorWBProgramCache<ZorWBRealProgram>::Running running(*programs);
+        return program->Run(*_factory);
+    }
+    int computed = RunEvaluation<true>();
+    if (programs) programs->Remember(this, computed);
     return _real;
+}
+
+namespace {
+// The cache behind pointer, made at first use while enabled.
+template <class Program>
+ZorWBProgramCache<Program>* CacheOf(std::unique_ptr<ZorWBProgramCache<Program>>& pointer,
+                                    ZorWBFactory& factory, bool enabled) {
+    if (!pointer && enabled) pointer.reset(new (std::nothrow) ZorWBProgramCache<Program>(factory));
+    return pointer.get();
+}
+}  // namespace
+
+ZorWBProgramCache<ZorWBRealProgram>* ZorWBFactory::RealPrograms() {
+    return CacheOf(_realPrograms, *this, _realProgramsEnabled);
+}
+
+ZorWBProgramCache<ZorWBValueProgram>* ZorWBFactory::ValuePrograms() {
+    return CacheOf(_valuePrograms, *this, _fastValues);
+}
+
+void ZorWBFactory::EnableRealPrograms(bool enable) {
+    _realProgramsEnabled = enable;
+    if (_realPrograms) _realPrograms->Enable(enable);
+}
+
+void ZorWBFactory::EnableFastValues(bool enable) {
+    _fastValues = enable;
+    if (_valuePrograms) _valuePrograms->Enable(enable);
+}
+
+long long ZorWBFactory::GetNbOfValueProgramRuns() const {
+    return _valuePrograms ? _valuePrograms->GetNbOfRuns() : 0;
+}
+
+bool ZorWBFactory::IsRealProgramsEnabled() const {
+    return _realProgramsEnabled;
+}
+
+long long ZorWBFactory::GetNbOfRealProgramRuns() const {
+    return _realPrograms ? _realPrograms->GetNbOfRuns() : 0;
 }
 
 const ZorWBValue& ZorWBExpression::ValueOf(const ZorWBExpression* node) {
@@ -136,7 +201,7 @@ const ZorWBValue& ZorWBExpression::ValueOf(const ZorWBExpression* node) {
 
 double ZorWBExpression::RealOf(const ZorWBExpression* node) {
     unsigned int walk = node->_factory->_realWalk;
-    if (walk != 0 && node->_walkMark == walk) return node->_real;
+    if (walk != 0 && node->_realMark == walk) return node->_real;
     return node->Eval();
 }
 

@@ -40,7 +40,7 @@ const ZorWBValue UndefinedValue;
 }  // namespace
 
 ZorWBExpression::ZorWBExpression(ZorWBFactory* factory, ZorWBExpressionType type, int tag)
-    : _type(type), _factory(factory), _tag(tag) {
+    : _factory(factory), _tag(tag), _type(static_cast<unsigned char>(type)) {
     const ZorWBEnvironment& environment = factory->GetEnvironment();
     _value.UpdateEnv(environment);
     if (environment.GetWBLevel() != ZorWBLevel::All) {
@@ -50,6 +50,7 @@ ZorWBExpression::ZorWBExpression(ZorWBFactory* factory, ZorWBExpressionType type
 }
 
 ZorWBExpression::~ZorWBExpression() {
+    NoteStructureChange();
     // While the factory dies every node goes, so nobody needs to be told.
     if (!IsFactoryDestroying()) {
         while (!_parents.IsEmpty()) {
@@ -67,6 +68,10 @@ const ZorWBEnvironment& ZorWBExpression::GetEnvironment() const {
 
 bool ZorWBExpression::IsFactoryDestroying() const {
     return _factory->_destroying;
+}
+
+void ZorWBExpression::NoteStructureChange() const {
+    _factory->NoteStructureChange();
 }
 
 const ZorWBValue& ZorWBExpression::GetPreviousValue() const {

@@ -105,12 +105,13 @@ class ZORWBX_API ZorWBExpression {
 
   public:
     // ------------------------------------------------------------ identity
-    ZorWBExpressionType GetType() const { return _type; }
+    ZorWBExpressionType GetType() const { return static_cast<ZorWBExpressionType>(_type); }
     int GetTag() const { return _tag; }
     ZorWBFactory* GetFactory() const { return _factory; }
     const ZorWBEnvironment& GetEnvironment() const;
     bool IsLeaf() const {
-        return _type == ZorWBExpressionType::Variable || _type == ZorWBExpressionType::Constant;
+        return GetType() == ZorWBExpressionType::Variable ||
+               GetType() == ZorWBExpressionType::Constant;
     }
 
     int GetNbOfParents() const { return _parents.GetSize(); }
@@ -201,6 +202,9 @@ class ZORWBX_API ZorWBExpression {
     // Eval when it has not been computed).
     static double RealOf(const ZorWBExpression* node);
     bool IsFactoryDestroying() const;
+    // Tells the factory that the graph's structure changed (see
+    // ZorWBFactory::GetStructureVersion).
+    void NoteStructureChange() const;
     // The real reading of a value; NaN for an undefined one.
     static double RealReading(const ZorWBValue& value);
 
@@ -208,9 +212,13 @@ class ZORWBX_API ZorWBExpression {
     friend class ZorWBFactory;
     friend class ZorWBOperator;
     friend class ZorWBGraphWalk;
+    friend class ZorWBRealProgram;
+    friend class ZorWBValueProgram;
 
+    // Evaluates the nodes below this one that need it, and this one; the
+    // number of nodes computed.
     template <bool Real>
-    void RunEvaluation() const;
+    int RunEvaluation() const;
     const ZorWBValue& ComputeValue() const;
     void FinishValue() const;
     static int NextIfThenElseChild(const ZorWBExpression* node, int position, bool real);
@@ -220,12 +228,16 @@ class ZORWBX_API ZorWBExpression {
     ZorWBExpression* PartialEvalFromDuplicate(ZorWBVariable** vars, ZorWBExpression** exprs, int n);
     void ResetBufferDownward();
 
-    ZorWBExpressionType _type;
-    mutable unsigned int _flags = 0;
     ZorWBFactory* _factory;
     int _tag;
-    // Number of the last graph walk that reached this node (see ZorWBFactory).
+    // Number of the last graph walk that reached this node (see ZorWBFactory);
+    // the plain real evaluation keeps its own, so that the value evaluations
+    // that black boxes start in the middle of it leave its marks alone.
     mutable unsigned int _walkMark = 0;
+    mutable unsigned int _realMark = 0;
+    // The type (all fit in a byte) and the flags, in a byte each.
+    unsigned char _type;
+    mutable unsigned char _flags = 0;
     mutable ZorWBValue _value;
     // Allocated only below the "all" level, where it is read.
     mutable ZorWBValue* _previousValue = nullptr;

@@ -138,7 +138,7 @@ int RationalState(const ZorWBExpression* node, const std::vector<int>& states) {
 }  // namespace
 
 bool ZorWBExpression::IsConstant() const try {
-    if (_type == Type::Variable) return false;
+    if (GetType() == Type::Variable) return false;
     if (IsLeaf()) return true;
     bool constant = true;
     ZorWBGraphWalk::PreOrder(this, [&constant](const ZorWBExpression* node) {

@@ -11,6 +11,9 @@
 #include "expressions/ZorWBBlackBoxOperator.h"
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBGraphWalk.h"
+#include "expressions/ZorWBProgramCache.h"
+#include "expressions/ZorWBRealProgram.h"
+#include "expressions/ZorWBValueProgram.h"
 #include "qel/ZorQelGlobalParameters.h"
 
 void ZorWBValue::UpdateEnv(const ZorWBFactory& factory) const {
@@ -35,6 +38,8 @@ void ZorWBFactory::Initialize() {
 // Everything goes, so the nodes skip telling each other.
 ZorWBFactory::~ZorWBFactory() {
     _destroying = true;
+    _realPrograms.reset();
+    _valuePrograms.reset();
     for (int i = _expressions.GetSize() - 1; i >= 0; --i)
         delete _expressions[i];
     _expressions.RemoveAll();

@@ -2,6 +2,7 @@
 #define ZORWB_FACTORY_H
 
 #include <functional>
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -22,6 +23,10 @@ class ZorWBCalculusSession;
 class ZorWBDerivBlackBox;
 class ZorWBEquation;
 class ZorWBOperator;
+class ZorWBRealProgram;
+class ZorWBValueProgram;
+template <class Program>
+class ZorWBProgramCache;
 class ZorWBSegmentFunction;
 class ZorWBSegmentFunctionDataPt;
 class ZorWBSegmentFunctionInterval;
@@ -477,6 +482,27 @@ class ZORWBX_API ZorWBFactory {
     // factory was made or the counter reset.
     long long GetNbOfEvaluations() const { return _nbOfEvaluations; }
     void ResetNbOfEvaluations() { _nbOfEvaluations = 0; }
+    // Eval() of a root of some size compiles the root's subgraph at its
+    // second call and then runs the compiled program (same results to the
+    // bit); the programs are dropped whenever the structure of the graph
+    // changes. Turning them off makes every Eval() walk the nodes.
+    void EnableRealPrograms(bool enable);
+    bool IsRealProgramsEnabled() const;
+    // How many Eval() calls a compiled program answered.
+    long long GetNbOfRealProgramRuns() const;
+    // GetValue computes the most frequent kinds (real intervals combined
+    // with integers, reals and intervals) without the general dispatch of
+    // the value functions, and a root that keeps being evaluated in full
+    // runs a compiled program of its node walk (ZorWBValueProgram): same
+    // values, errors, recorded environments, buffers and counts. Off, every
+    // node goes through its DoEval in the node walk.
+    void EnableFastValues(bool enable);
+    bool IsFastValuesEnabled() const { return _fastValues; }
+    // How many GetValue calls a compiled program answered.
+    long long GetNbOfValueProgramRuns() const;
+    // A number that changes whenever a node loses, gains or swaps a child, a
+    // Step parameter or a black box, or is destroyed.
+    unsigned long long GetStructureVersion() const { return _structureVersion; }
 
     // ------------------------------------------------------------ equations
     ZorWBEquation* AddEquation(ZorWBExpression* root, ZorWBEquationType type);
@@ -631,6 +657,10 @@ class ZORWBX_API ZorWBFactory {
     friend class ZorWBGraphWalk;
     friend class ZorWBCalculusScope;
     friend class ZorWBBlackBoxOperator;
+    friend class ZorWBRealProgram;
+    friend class ZorWBValueProgram;
+    friend class ZorWBCalculusSession;
+    friend class ZorWBIntegrateOperator;
 
     // One step of the explicit stack of an evaluation.
     struct EvalFrame {
@@ -697,6 +727,11 @@ class ZORWBX_API ZorWBFactory {
 
     // Walk numbers (see ZorWBGraphWalk): a fresh one per walk.
     unsigned int NewWalk();
+    void NoteStructureChange() { ++_structureVersion; }
+    // The compiled programs of Eval() and GetValue(), made at first use
+    // (null when memory is short or they are turned off).
+    ZorWBProgramCache<ZorWBRealProgram>* RealPrograms();
+    ZorWBProgramCache<ZorWBValueProgram>* ValuePrograms();
 
     ZorQelListPZorWBExpression _expressions;
     ZorQelArray<ZorWBVariable*> _variables;
@@ -730,6 +765,13 @@ class ZORWBX_API ZorWBFactory {
     unsigned int _realWalk = 0;   // walk number of the running real evaluation
     int _evaluationDepth = 0;
     long long _nbOfEvaluations = 0;
+    unsigned long long _structureVersion = 0;
+    // Integrate nodes alive (permanent and temporary).
+    int _nbOfIntegrateNodes = 0;
+    std::unique_ptr<ZorWBProgramCache<ZorWBRealProgram>> _realPrograms;
+    std::unique_ptr<ZorWBProgramCache<ZorWBValueProgram>> _valuePrograms;
+    bool _realProgramsEnabled = true;
+    bool _fastValues = true;
 };
 
 #endif

@@ -17,6 +17,12 @@ class ZorWBGraphWalk {
     static int NbOfChildren(const ZorWBExpression* node) {
         return node->IsLeaf() ? 0 : static_cast<const ZorWBOperator*>(node)->_nbOfChildren;
     }
+    // The children that an evaluation reaches: all of them, but none of an
+    // IfThenElse lacking one of its three (it is undefined without them).
+    static int NbOfEvaluatedChildren(const ZorWBExpression* node) {
+        int n = NbOfChildren(node);
+        return node->GetType() == ZorWBExpressionType::IfThenElse && n != 3 ? 0 : n;
+    }
     static ZorWBExpression* Child(const ZorWBExpression* node, int i) {
         return static_cast<const ZorWBOperator*>(node)->_children[i];
     }

@@ -318,6 +318,16 @@ ZORWB_INTEGRATE_BY_TABLE(ZorWBBlackBoxOperator)
 
 #undef ZORWB_INTEGRATE_BY_TABLE
 
+ZorWBIntegrateOperator::ZorWBIntegrateOperator(ZorWBFactory* factory, ZorWBExpressionType type,
+                                               int tag, int n, ZorWBExpression* const* children)
+    : ZorWBOperator(factory, type, tag, n, children) {
+    ++factory->_nbOfIntegrateNodes;
+}
+
+ZorWBIntegrateOperator::~ZorWBIntegrateOperator() {
+    --GetFactory()->_nbOfIntegrateNodes;
+}
+
 // An Integrate node stands for an antiderivative that has no closed form:
 // nothing can compute it, so its value is the undefined value (NaN as a
 // real).

@@ -48,6 +48,7 @@ bool ZorWBOperator::RemoveChild(int i) {
     for (int j = i + 1; j < _nbOfChildren; ++j)
         _children[j - 1] = _children[j];
     _children[--_nbOfChildren] = nullptr;
+    NoteStructureChange();
     RemoveParent(child, this);
     ResetBufferComplete();
     return true;
@@ -79,6 +80,7 @@ bool ZorWBOperator::ReplaceChildUnchecked(int i, ZorWBExpression* child) {
     ZorWBExpression* old = _children[i];
     if (!AddParent(child, this)) return false;
     _children[i] = child;
+    NoteStructureChange();
     RemoveParent(old, this);
     ResetBufferComplete();
     return true;
@@ -103,6 +105,7 @@ bool ZorWBOperator::ValidateAllowBufferEval() const {
 
 void ZorWBOperator::RemoveUniqueChildren() try {
     ZorWBFactory& factory = *GetFactory();
+    NoteStructureChange();
     // A descendant goes when every parent it has goes: this node gives up
     // the children only it uses; a node that goes gives up all its children.
     std::vector<ZorWBExpression*> doomed;
@@ -149,6 +152,7 @@ ZorWBUnaryOperator::~ZorWBUnaryOperator() {
 void ZorWBUnaryOperator::SetParameter(int i, double value) {
     if (!_parameters || i < 0 || i >= NbOfStepParameters) return;
     _parameters[i] = value;
+    NoteStructureChange();
     ResetBufferComplete();
 }
 

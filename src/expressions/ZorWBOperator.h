@@ -59,6 +59,11 @@ class ZORWBX_API ZorWBOperator : public ZorWBExpression {
     friend class ZorWBEqualityEngine;
     bool ReplaceChildUnchecked(int i, ZorWBExpression* child);
     ZorWBExpression* ChildAt(int i) const { return _children[i]; }
+    // Computes the value field for the most frequent kinds (real intervals
+    // with integers, reals and real intervals) without the kind dispatch of
+    // the value functions, as DoEval would; false, touching nothing, for
+    // any other case.
+    bool EvaluateFast() const;
 
     ZorWBExpression** _children;
     int _nbOfChildren = 0;
@@ -171,7 +176,10 @@ class ZORWBX_API ZorWBIfThenElseOperator : public ZorWBOperator {
 class ZORWBX_API ZorWBIntegrateOperator : public ZorWBOperator {
   protected:
     friend class ZorWBFactory;
-    using ZorWBOperator::ZorWBOperator;
+    // Counted by the factory (see ZorWBCalculusSession::IsSkipped).
+    ZorWBIntegrateOperator(ZorWBFactory* factory, ZorWBExpressionType type, int tag, int n,
+                           ZorWBExpression* const* children);
+    ~ZorWBIntegrateOperator() override;
     ZORWB_OPERATOR_FAMILY_OVERRIDES
 };
 

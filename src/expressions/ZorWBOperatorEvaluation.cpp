@@ -5,7 +5,11 @@
 #include <cmath>
 #include <limits>
 
+#include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBOperator.h"
+#include "expressions/ZorWBRealFunctions.h"
+#include "values/ZorWBIntervalFunctions.h"
+#include "values/ZorWBIntervalRules.h"
 #include "values/ZorWBValueFunctions.h"
 
 namespace {
@@ -14,20 +18,31 @@ using Type = ZorWBExpressionType;
 using UnaryValueFunction = ZorWBValue (*)(const ZorWBEnvironment&, const ZorWBValue&);
 using BinaryValueFunction = ZorWBValue (*)(const ZorWBEnvironment&, const ZorWBValue&,
                                            const ZorWBValue&);
-using UnaryRealFunction = double (*)(double);
-using BinaryRealFunction = double (*)(double, double);
-// Comparisons read the environment's tolerance.
-using LogicalRealFunction = double (*)(double, double, double tolerance);
+using UnaryRealFunction = ZorWBUnaryRealFunction;
+using BinaryRealFunction = ZorWBBinaryRealFunction;
+using LogicalRealFunction = ZorWBLogicalRealFunction;
 
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+
+// The interval function of a type whose value function, on a real interval
+// (and on an interval paired with an integer, a real or an interval for two
+// operands), applies it and nothing else: the shortcut of ZorWBOperator::
+// EvaluateFast. Null for the other types.
+using UnaryIntervalFunction = ZorWBRealInterval (*)(const ZorWBEnvironment&,
+                                                    const ZorWBRealInterval&);
+using BinaryIntervalFunction = ZorWBRealInterval (*)(const ZorWBEnvironment&,
+                                                     const ZorWBRealInterval&,
+                                                     const ZorWBRealInterval&);
 
 struct UnaryKind {
     UnaryValueFunction value;
     UnaryRealFunction real;
+    UnaryIntervalFunction interval = nullptr;
 };
 struct BinaryKind {
     BinaryValueFunction value;
     BinaryRealFunction real;
+    BinaryIntervalFunction interval = nullptr;
 };
 struct LogicalKind {
     BinaryValueFunction value;
@@ -57,32 +72,32 @@ UnaryKind UnaryKindOf(Type type) {
     using V = const ZorWBValue&;
     switch (type) {
         // clang-format off
-        case Type::Sqrt:       return {ZorWBSqrt, [](double x) { return std::sqrt(x); }};
-        case Type::Log:        return {ZorWBLog, [](double x) { return std::log10(x); }};
-        case Type::Ln:         return {ZorWBLn, [](double x) { return std::log(x); }};
-        case Type::Exp:        return {ZorWBExp, [](double x) { return std::exp(x); }};
-        case Type::Abs:        return {ZorWBAbs, [](double x) { return std::fabs(x); }};
+        case Type::Sqrt:       return {ZorWBSqrt, [](double x) { return std::sqrt(x); }, ZorWBSqrt};
+        case Type::Log:        return {ZorWBLog, [](double x) { return std::log10(x); }, ZorWBLog};
+        case Type::Ln:         return {ZorWBLn, [](double x) { return std::log(x); }, ZorWBLn};
+        case Type::Exp:        return {ZorWBExp, [](double x) { return std::exp(x); }, ZorWBExp};
+        case Type::Abs:        return {ZorWBAbs, [](double x) { return std::fabs(x); }, ZorWBAbs};
         case Type::Ceil:       return {ZorWBCeil, [](double x) { return std::ceil(x); }};
         case Type::Floor:      return {ZorWBFloor, [](double x) { return std::floor(x); }};
         case Type::Round:      return {[](E e, V a) { return ZorWBRound(e, a); },
                                        [](double x) { return std::round(x); }};
         case Type::Trunc:      return {ZorWBTrunc, [](double x) { return std::trunc(x); }};
         case Type::UnaryMinus: return {ZorWBUnaryMinus, [](double x) { return -x; }};
-        case Type::Sin:        return {ZorWBSin, [](double x) { return std::sin(x); }};
-        case Type::Cos:        return {ZorWBCos, [](double x) { return std::cos(x); }};
-        case Type::Tan:        return {ZorWBTan, [](double x) { return std::tan(x); }};
+        case Type::Sin:        return {ZorWBSin, [](double x) { return std::sin(x); }, ZorWBSin};
+        case Type::Cos:        return {ZorWBCos, [](double x) { return std::cos(x); }, ZorWBCos};
+        case Type::Tan:        return {ZorWBTan, [](double x) { return std::tan(x); }, ZorWBTan};
         case Type::Asin:       return {[](E e, V a) { return ZorWBAsin(e, a); },
                                        [](double x) { return std::asin(x); }};
         case Type::Acos:       return {[](E e, V a) { return ZorWBAcos(e, a); },
                                        [](double x) { return std::acos(x); }};
         case Type::Atan:       return {[](E e, V a) { return ZorWBAtan(e, a); },
                                        [](double x) { return std::atan(x); }};
-        case Type::Sinh:       return {ZorWBSinh, [](double x) { return std::sinh(x); }};
-        case Type::Cosh:       return {ZorWBCosh, [](double x) { return std::cosh(x); }};
-        case Type::Tanh:       return {ZorWBTanh, [](double x) { return std::tanh(x); }};
-        case Type::Asinh:      return {ZorWBAsinh, [](double x) { return std::asinh(x); }};
-        case Type::Acosh:      return {ZorWBAcosh, [](double x) { return std::acosh(x); }};
-        case Type::Atanh:      return {ZorWBAtanh, [](double x) { return std::atanh(x); }};
+        case Type::Sinh:       return {ZorWBSinh, [](double x) { return std::sinh(x); }, ZorWBSinh};
+        case Type::Cosh:       return {ZorWBCosh, [](double x) { return std::cosh(x); }, ZorWBCosh};
+        case Type::Tanh:       return {ZorWBTanh, [](double x) { return std::tanh(x); }, ZorWBTanh};
+        case Type::Asinh:      return {ZorWBAsinh, [](double x) { return std::asinh(x); }, ZorWBAsinh};
+        case Type::Acosh:      return {ZorWBAcosh, [](double x) { return std::acosh(x); }, ZorWBAcosh};
+        case Type::Atanh:      return {ZorWBAtanh, [](double x) { return std::atanh(x); }, ZorWBAtanh};
         // clang-format on
         default:
             return {nullptr, nullptr};
@@ -94,12 +109,12 @@ BinaryKind BinaryKindOf(Type type) {
     using V = const ZorWBValue&;
     switch (type) {
         // clang-format off
-        case Type::Sum:      return {ZorWBSum, [](double a, double b) { return a + b; }};
-        case Type::Product:  return {ZorWBMul, [](double a, double b) { return a * b; }};
-        case Type::Min:      return {ZorWBMin, [](double a, double b) { return std::fmin(a, b); }};
-        case Type::Max:      return {ZorWBMax, [](double a, double b) { return std::fmax(a, b); }};
-        case Type::Quotient: return {ZorWBDiv, [](double a, double b) { return a / b; }};
-        case Type::Power:    return {ZorWBPow, [](double a, double b) { return std::pow(a, b); }};
+        case Type::Sum:      return {ZorWBSum, [](double a, double b) { return a + b; }, ZorWBSum};
+        case Type::Product:  return {ZorWBMul, [](double a, double b) { return a * b; }, ZorWBMul};
+        case Type::Min:      return {ZorWBMin, [](double a, double b) { return std::fmin(a, b); }, ZorWBMin};
+        case Type::Max:      return {ZorWBMax, [](double a, double b) { return std::fmax(a, b); }, ZorWBMax};
+        case Type::Quotient: return {ZorWBDiv, [](double a, double b) { return a / b; }, ZorWBDiv};
+        case Type::Power:    return {ZorWBPow, ZorWBRealPower};
         case Type::Root:     return {[](E e, V a, V b) { return ZorWBRoot(e, a, b); }, RealRoot};
         case Type::Atan2:    return {[](E e, V y, V x) { return ZorWBAtan2(e, y, x); },
                                      [](double y, double x) { return std::atan2(y, x); }};
@@ -137,6 +152,16 @@ LogicalKind LogicalKindOf(Type type) {
 }
 
 }  // namespace
+
+ZorWBUnaryRealFunction ZorWBUnaryRealFunctionOf(ZorWBExpressionType type) {
+    return UnaryKindOf(type).real;
+}
+ZorWBBinaryRealFunction ZorWBBinaryRealFunctionOf(ZorWBExpressionType type) {
+    return BinaryKindOf(type).real;
+}
+ZorWBLogicalRealFunction ZorWBLogicalRealFunctionOf(ZorWBExpressionType type) {
+    return LogicalKindOf(type).real;
+}
 
 // ------------------------------------------------------------ Not
 
@@ -278,4 +303,113 @@ double ZorWBIfThenElseOperator::DoEval() const {
     if (!HasChildren(3)) return NaN;
     int branch = ChosenBranch(ChildReal(0));
     return branch > 0 ? ChildReal(branch) : NaN;
+}
+
+// ------------------------------------------------------------ shortcuts
+
+namespace {
+
+// The kinds that combine with a real interval into a real interval, with no
+// enumeration, fraction or boolean to dispatch on.
+inline bool IsIntervalOperand(ZorWBValueType type) {
+    return type == ZorWBRealIntervalType || type == ZorWBRealType || type == ZorWBIntegerType;
+}
+
+inline bool IsIntervalPair(const ZorWBValue& a, const ZorWBValue& b) {
+    return IsIntervalOperand(a.GetType()) && IsIntervalOperand(b.GetType()) &&
+           (a.GetType() == ZorWBRealIntervalType || b.GetType() == ZorWBRealIntervalType);
+}
+
+}  // namespace
+
+// What the value functions do when the general kind dispatch picks a real
+// interval: the same interval function on the same readings, with the same
+// recorded environments (a fold records it on its running value, a copy,
+// and on each further child; the other operators on every child) and the
+// same result, a real interval without environment. Children not yet
+// evaluated, enumerations and every other kind go the general way, as does
+// a value field holding an enumeration (whose assignment is not scalar).
+bool ZorWBOperator::EvaluateFast() const {
+    using Environment = ZorWBEnvironment;
+    using Interval = ZorWBRealInterval;
+    const ZorWBValueType current = _value.GetType();
+    if (current == ZorWBIntegerEnumType || current == ZorWBRealEnumType) return false;
+    const ZorWBExpression* const* children = _children;
+    const int n = _nbOfChildren;
+    const ZorWBFactory& factory = *_factory;
+    const unsigned int walk = factory._valueWalk;
+    auto ready = [walk](const ZorWBExpression* child) -> const ZorWBValue* {
+        bool done = (child->_flags & BufferValidFlag) || (walk != 0 && child->_walkMark == walk);
+        return done ? &child->_value : nullptr;
+    };
+    const ZorWBEnvironment& environment = factory._environment;
+    auto fold = [&](auto combine) {
+        if (n < 2) return false;
+        const ZorWBValue* first = ready(children[0]);
+        const ZorWBValue* second = ready(children[1]);
+        if (!first || !second || !IsIntervalPair(*first, *second)) return false;
+        for (int i = 2; i < n; ++i) {
+            const ZorWBValue* further = ready(children[i]);
+            if (!further || !IsIntervalOperand(further->GetType())) return false;
+        }
+        ZorWBRealInterval result = first->GetAsRealInterval();
+        for (int i = 1; i < n; ++i) {
+            const ZorWBValue& child = children[i]->_value;
+            child.RecordEnv(environment);
+            result = combine(environment, result, child.GetAsRealInterval());
+        }
+        _value.AssignResult(result);
+        return true;
+    };
+    switch (GetType()) {
+        case Type::Sum:
+            return fold([](const Environment& e, const Interval& a, const Interval& b) {
+                return ZorWBIntervalRules::SumOf(e, a, b);
+            });
+        case Type::Product:
+            return fold([](const Environment& e, const Interval& a, const Interval& b) {
+                return ZorWBIntervalRules::ProductOf(e, a, b);
+            });
+        case Type::Min:
+            return fold([](const Environment& e, const Interval& a, const Interval& b) {
+                return ZorWBMin(e, a, b);
+            });
+        case Type::Max:
+            return fold([](const Environment& e, const Interval& a, const Interval& b) {
+                return ZorWBMax(e, a, b);
+            });
+        case Type::Quotient:
+        case Type::Power: {
+            if (n < 2) return false;
+            const ZorWBValue* base = ready(children[0]);
+            const ZorWBValue* exponent = ready(children[1]);
+            if (!base || !exponent || !IsIntervalPair(*base, *exponent)) return false;
+            ZorWBRealInterval left = base->GetAsRealInterval();
+            ZorWBRealInterval right = exponent->GetAsRealInterval();
+            if (GetType() == Type::Quotient) {
+                base->RecordEnv(environment);
+                exponent->RecordEnv(environment);
+                _value.AssignResult(ZorWBDiv(environment, left, right));
+                return true;
+            }
+            // Only a single integral exponent has a power of its own.
+            bool single = right.low == right.high && std::floor(right.low) == right.low &&
+                          std::fabs(right.low) <= ZorWBIntegerMax;
+            if (!single) return false;
+            base->RecordEnv(environment);
+            exponent->RecordEnv(environment);
+            _value.AssignResult(
+                ZorWBIntervalRules::PowerOf(environment, left, static_cast<int>(right.low)));
+            return true;
+        }
+        default: {
+            UnaryIntervalFunction function = UnaryKindOf(GetType()).interval;
+            if (!function || n < 1) return false;
+            const ZorWBValue* operand = ready(children[0]);
+            if (!operand || operand->GetType() != ZorWBRealIntervalType) return false;
+            operand->RecordEnv(environment);
+            _value.AssignResult(function(environment, operand->GetAsRealInterval()));
+            return true;
+        }
+    }
 }

@@ -59,12 +59,6 @@ ZorWBIntegerInterval AddBounds(const ZorWBEnvironment& environment, int lowA, in
     return {low, high};
 }
 
-template <typename Bound, std::size_t Count>
-void MinMax(const Bound (&values)[Count], Bound& low, Bound& high) {
-    low = *std::min_element(values, values + Count);
-    high = *std::max_element(values, values + Count);
-}
-
 }  // namespace
 
 // ------------------------------------------------------------ construction
@@ -322,8 +316,7 @@ ZorWBIntegerInterval ZorWBSum(const ZorWBEnvironment& environment, const ZorWBIn
 
 ZorWBRealInterval ZorWBSum(const ZorWBEnvironment& environment, const ZorWBRealInterval& a,
                            const ZorWBRealInterval& b) {
-    if (!AcceptOperands(environment, a, b)) return ZorWBReal_Nil;
-    return Normalise(a.low + b.low, a.high + b.high);
+    return SumOf(environment, a, b);
 }
 
 ZorWBIntegerInterval ZorWBSub(const ZorWBEnvironment& environment, const ZorWBIntegerInterval& a,
@@ -359,12 +352,7 @@ ZorWBIntegerInterval ZorWBMul(const ZorWBEnvironment& environment, const ZorWBIn
 
 ZorWBRealInterval ZorWBMul(const ZorWBEnvironment& environment, const ZorWBRealInterval& a,
                            const ZorWBRealInterval& b) {
-    if (!AcceptOperands(environment, a, b)) return ZorWBReal_Nil;
-    const double products[] = {a.low * b.low, a.low * b.high, a.high * b.low, a.high * b.high};
-    double low = 0.0;
-    double high = 0.0;
-    MinMax(products, low, high);
-    return Normalise(low, high);
+    return ProductOf(environment, a, b);
 }
 
 // Quotients are computed in 64 bits (INT_MIN / -1 has no 32-bit result) and

@@ -21,11 +21,7 @@ double NonNegativePower(double x, double y) {
         if (y > 0.0) return 0.0;
         return y == 0.0 ? 1.0 : ZorWBRealLimit;
     }
-    return ClampToLine(std::pow(x, y));
-}
-
-double IntegerPower(double x, int exponent) {
-    return ClampToLine(std::pow(x, static_cast<double>(exponent)));
+    return ClampToLine(ZorWBRealPower(x, y));
 }
 
 // The non-negative degree-th root of v >= 0. The square root is correctly
@@ -101,20 +97,9 @@ ZorWBRealInterval ZorWBPow(const ZorWBEnvironment& environment, const ZorWBRealI
                      *std::max_element(corners, corners + 4));
 }
 
-// Any base for an integer exponent. The exponent 0 gives [1, 1] even where
-// the base holds 0. A negative exponent with a base holding 0 gives the
-// whole line without an error, as a quotient by an interval holding 0 does.
 ZorWBRealInterval ZorWBPow(const ZorWBEnvironment& environment, const ZorWBRealInterval& base,
                            int exponent) {
-    if (!AcceptOperands(environment, base)) return ZorWBReal_Nil;
-    if (exponent == 0) return {1.0, 1.0};
-    if (exponent < 0 && base.low <= 0.0 && 0.0 <= base.high) return ZorWBReal_Any;
-    const auto power = [exponent](double v) { return IntegerPower(v, exponent); };
-    if (exponent > 0 && exponent % 2 == 0) return EvenImage(base, power);
-    // Odd powers, and negative powers on one side of 0, are monotone.
-    const double atLow = power(base.low);
-    const double atHigh = power(base.high);
-    return Normalise(std::fmin(atLow, atHigh), std::fmax(atLow, atHigh));
+    return PowerOf(environment, base, exponent);
 }
 
 // Odd degrees: the one real root, sign kept, over all reals. Even degrees:

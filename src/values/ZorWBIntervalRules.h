@@ -5,12 +5,14 @@
 // checks of operands, the clipping of an argument to a function's domain and
 // the normalisation of every real result. Each rule is written here once.
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
 #include "values/ZorWBEnvironment.h"
 #include "values/ZorWBInterval.h"
 #include "values/ZorWBIntervalFunctions.h"
+#include "values/ZorWBRealPower.h"
 
 namespace ZorWBIntervalRules {
 
@@ -130,6 +132,53 @@ inline ZorWBRealInterval HullInRange(const ZorWBRealInterval& range,
         if (!IsEmptyInterval(part)) hull = ZorWBUnite(hull, part);
     }
     return hull;
+}
+
+// The smallest and the largest of values, as std::min_element and
+// std::max_element pick them (the first of equal ones; NaN never wins).
+template <typename Bound, std::size_t Count>
+void MinMax(const Bound (&values)[Count], Bound& low, Bound& high) {
+    low = *std::min_element(values, values + Count);
+    high = *std::max_element(values, values + Count);
+}
+
+// The bodies of the most frequent real interval operators, inline so that
+// the evaluation's shortcuts (ZorWBOperator::EvaluateFast) can use them
+// without a call; the exported functions are these.
+inline ZorWBRealInterval SumOf(const ZorWBEnvironment& environment, const ZorWBRealInterval& a,
+                               const ZorWBRealInterval& b) {
+    if (!AcceptOperands(environment, a, b)) return ZorWBReal_Nil;
+    return Normalise(a.low + b.low, a.high + b.high);
+}
+
+inline ZorWBRealInterval ProductOf(const ZorWBEnvironment& environment, const ZorWBRealInterval& a,
+                                   const ZorWBRealInterval& b) {
+    if (!AcceptOperands(environment, a, b)) return ZorWBReal_Nil;
+    const double products[] = {a.low * b.low, a.low * b.high, a.high * b.low, a.high * b.high};
+    double low = 0.0;
+    double high = 0.0;
+    MinMax(products, low, high);
+    return Normalise(low, high);
+}
+
+inline double IntegerPower(double x, int exponent) {
+    return ClampToLine(ZorWBRealPower(x, static_cast<double>(exponent)));
+}
+
+// Any base for an integer exponent. The exponent 0 gives [1, 1] even where
+// the base holds 0. A negative exponent with a base holding 0 gives the
+// whole line without an error, as a quotient by an interval holding 0 does.
+inline ZorWBRealInterval PowerOf(const ZorWBEnvironment& environment, const ZorWBRealInterval& base,
+                                 int exponent) {
+    if (!AcceptOperands(environment, base)) return ZorWBReal_Nil;
+    if (exponent == 0) return {1.0, 1.0};
+    if (exponent < 0 && base.low <= 0.0 && 0.0 <= base.high) return ZorWBReal_Any;
+    const auto power = [exponent](double v) { return IntegerPower(v, exponent); };
+    if (exponent > 0 && exponent % 2 == 0) return EvenImage(base, power);
+    // Odd powers, and negative powers on one side of 0, are monotone.
+    const double atLow = power(base.low);
+    const double atHigh = power(base.high);
+    return Normalise(std::fmin(atLow, atHigh), std::fmax(atLow, atHigh));
 }
 
 }  // namespace ZorWBIntervalRules

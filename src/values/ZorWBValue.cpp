@@ -273,9 +273,7 @@ int ZorWBValue::ConvertToInteger() const {
 double ZorWBValue::ConvertToReal() const {
     switch (_type) {
         case ZorWBIntegerType:
-            if (_payload.ints[0] == ZorWBIntegerPlusInfinity) return ZorWBRealPlusInfinity;
-            if (_payload.ints[0] == ZorWBIntegerMinusInfinity) return ZorWBRealMinusInfinity;
-            return _payload.ints[0];
+            return IntegerAsReal(_payload.ints[0]);
         case ZorWBRealType:
             return _payload.reals[0];
         case ZorWBFractionType: {

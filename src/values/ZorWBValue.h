@@ -105,6 +105,18 @@ class ZORWBX_API ZorWBValue {
         _payload.reals[1] = value.high;
     }
     void Set(const ZorWBFraction& value) { Load(value); }
+    // The same as *this = ZorWBValue(value): the interval, with no
+    // environment recorded (what a value function returns).
+    void AssignResult(const ZorWBRealInterval& value) {
+        if (IsEnumKind(_type)) {
+            *this = ZorWBValue(value);
+            return;
+        }
+        _type = ZorWBRealIntervalType;
+        _payload.reals[0] = value.low;
+        _payload.reals[1] = value.high;
+        _environment = nullptr;
+    }
     void Set(const ZorWBIntegerEnum& value);
     void Set(const ZorWBRealEnum& value);
     // An integer (real) enumeration in list form: the elements sorted and
@@ -127,7 +139,9 @@ class ZORWBX_API ZorWBValue {
         return _type == ZorWBIntegerType ? _payload.ints[0] : ConvertToInteger();
     }
     double GetAsReal() const {
-        return _type == ZorWBRealType ? _payload.reals[0] : ConvertToReal();
+        if (_type == ZorWBRealType) return _payload.reals[0];
+        if (_type == ZorWBIntegerType) return IntegerAsReal(_payload.ints[0]);
+        return ConvertToReal();
     }
     double GetAsDouble() const { return GetAsReal(); }
     ZorWBBoolean GetAsBoolean() const;
@@ -138,6 +152,11 @@ class ZORWBX_API ZorWBValue {
     }
     ZorWBRealInterval GetAsRealInterval() const {
         if (_type == ZorWBRealIntervalType) return {_payload.reals[0], _payload.reals[1]};
+        if (_type == ZorWBRealType) return {_payload.reals[0], _payload.reals[0]};
+        if (_type == ZorWBIntegerType) {
+            double value = IntegerAsReal(_payload.ints[0]);
+            return {value, value};
+        }
         return ConvertToRealInterval();
     }
     void GetAsIntegerEnum(ZorWBIntegerEnum& out) const;
@@ -206,6 +225,12 @@ class ZORWBX_API ZorWBValue {
         return type == ZorWBIntegerEnumType || type == ZorWBRealEnumType;
     }
 
+    // An integer's real reading: its infinity markers are the real ones.
+    static double IntegerAsReal(int value) {
+        if (value == ZorWBIntegerPlusInfinity) return ZorWBRealPlusInfinity;
+        if (value == ZorWBIntegerMinusInfinity) return ZorWBRealMinusInfinity;
+        return value;
+    }
     int ConvertToInteger() const;
     double ConvertToReal() const;
     ZorWBIntegerInterval ConvertToIntegerInterval() const;

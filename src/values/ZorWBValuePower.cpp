@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "values/ZorWBRealPower.h"
 #include "values/ZorWBValueDispatch.h"
 #include "values/ZorWBValueFunctions.h"
 
@@ -72,7 +73,7 @@ double RealPower(const ZorWBEnvironment& environment, double x, double y) {
     if (IsInfiniteReal(x) || IsInfiniteReal(y)) return InfinitePower(environment, x, y);
     if (x == 0.0 && y < 0.0) return RealDomainError(environment);  // a division by zero
     if (x < 0.0 && !IsIntegral(y)) return RealDomainError(environment);
-    return FinishReal(environment, std::pow(x, y));
+    return FinishReal(environment, ZorWBRealPower(x, y));
 }
 
 ZorWBValue IntegerPower(const ZorWBEnvironment& environment, int x, int y) {
@@ -270,6 +271,10 @@ DegreeForm ReadDegree(const ZorWBEnvironment& environment, const ZorWBValue& deg
 }
 
 }  // namespace
+
+double ZorWBLibraryPower(double x, double y) {
+    return std::pow(x, y);
+}
 
 ZorWBValue ZorWBPow(const ZorWBEnvironment& environment, const ZorWBValue& base,
                     const ZorWBValue& exponent) {

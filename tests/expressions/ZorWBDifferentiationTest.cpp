@@ -480,3 +480,33 @@ TEST(ZorWBDifferentiation, DismantledNodesHaveNoDerivative) {
         EXPECT_EQ(antiDerivative->GetType(), Type::Integrate);
     }
 }
+
+// The differentiation passes over the parts of a system that do not reach
+// the variable; an Integrate node in the factory (whose derivative may not
+// exist) makes it look at every node again. Both ways give one derivative.
+TEST(ZorWBDifferentiation, PartsFreeOfTheVariableGiveZeroWithAndWithoutIntegrateNodes) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    std::vector<ZorWBVariable*> ys;
+    std::vector<ZorWBExpression*> terms;
+    for (int k = 0; k < 50; ++k) {
+        ZorWBVariable* y = f.CreateVariable();
+        ys.push_back(y);
+        ZorWBExpression* away = f.CreateSin(f.CreateProduct(y, f.CreateCos(y)));
+        terms.push_back(k % 5 == 0 ? f.CreateProduct(away, f.CreateProduct(x, x)) : away);
+    }
+    ZorWBExpression* sum = f.CreateSum(static_cast<int>(terms.size()), terms.data());
+    for (std::size_t k = 0; k < ys.size(); ++k)
+        SetReal(ys[k], 0.1 * static_cast<double>(k));
+    SetReal(x, 0.7);
+    ZorWBExpression* shortcut = f.CreateDerivative(sum, x);
+    ASSERT_NE(shortcut, nullptr);
+    EXPECT_TRUE(Agrees(Reading(shortcut), CentralDifference(sum, x)));
+    EXPECT_EQ(f.CreateDerivative(terms[1], x), f.GetZero());
+
+    ASSERT_NE(f.CreateIntegrateOperator(f.CreateSin(ys[0]), ys[0]), nullptr);
+    ZorWBExpression* full = f.CreateDerivative(f.CreateSum(sum, f.CreateRealConstant(1.0)), x);
+    ASSERT_NE(full, nullptr);
+    EXPECT_TRUE(Agrees(Reading(full), Reading(shortcut)));
+    EXPECT_EQ(f.CreateDerivative(terms[1], x), f.GetZero());
+}

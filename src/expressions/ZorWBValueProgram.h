@@ -1,0 +1,63 @@
+#ifndef ZORWB_VALUEPROGRAM_H
+#define ZORWB_VALUEPROGRAM_H
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+class ZorWBExpression;
+class ZorWBFactory;
+
+// The buffered evaluation of a root (GetValue) laid out flat: the node walk
+// of the root's subgraph, depth first with the children in order, written
+// once as a list of instructions. Each node's code checks, as the walk
+// does, whether the node is valid or already computed in this run, and
+// jumps over the node and everything below it when it is; otherwise the
+// node is marked, its children's code runs, and the node is computed
+// (ZorWBExpression::FinishValue). A node met again further on is visited
+// through a call to its code, made only when it still needs computing; an
+// IfThenElse runs the code of the branch its condition chooses. Buffers,
+// flags, marks, the evaluation counter and the error word thus change
+// exactly as with the walk, node by node and in the same order.
+class ZorWBValueProgram {
+  public:
+    // Null when the subgraph holds a cycle, its root is a leaf, or memory
+    // runs short.
+    static std::unique_ptr<ZorWBValueProgram> Compile(const ZorWBExpression* root);
+
+    // Evaluates the root (whose buffer is not valid) as RunEvaluation would.
+    void Run(ZorWBFactory& factory);
+    std::size_t GetSize() const { return _code.size(); }
+
+  private:
+    friend class ZorWBValueProgramCompiler;
+
+    enum class Op : unsigned char {
+        Enter,   // jump to target when node is valid or marked, else mark it
+        Leaf,    // unless node is valid or marked: mark it and compute it
+        Visit,   // unless node is valid or marked: call its code at target
+        Finish,  // compute node; return when the innermost call is for node
+        Branch,  // node's condition chooses: then part next, else part at
+                 // target, neither at end
+        Jump,    // to target
+    };
+
+    struct Instruction {
+        Op op;
+        int target;
+        int end;
+        const ZorWBExpression* node;
+    };
+    struct Call {
+        int back;
+        const ZorWBExpression* node;
+    };
+
+    ZorWBValueProgram() = default;
+
+    std::vector<Instruction> _code;
+    // Room for the deepest nesting of calls, reserved at compilation.
+    std::vector<Call> _calls;
+};
+
+#endif
