@@ -117,7 +117,7 @@ BinaryKind BinaryKindOf(Type type) {
         case Type::Power:    return {ZorWBPow, ZorWBRealPower};
         case Type::Root:     return {[](E e, V a, V b) { return ZorWBRoot(e, a, b); }, RealRoot};
         case Type::Atan2:    return {[](E e, V y, V x) { return ZorWBAtan2(e, y, x); },
-                                     [](double y, double x) { return std::atan2(y, x); }};
+                                     [](double y, double x) { return std::atan2(y + 0.0, x); }};
         case Type::Dim:      return {ZorWBDim, [](double a, double b) { return std::fdim(a, b); }};
         case Type::Sign:     return {ZorWBSign, [](double a, double b) {
                                          return b >= 0.0 ? std::fabs(a) : -std::fabs(a); }};

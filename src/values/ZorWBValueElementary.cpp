@@ -96,10 +96,11 @@ double Atan(const ZorWBEnvironment& environment, double x) {
     return FinishReal(environment, std::atan(x));
 }
 
-// The angle of the point (x, y); the origin has none.
+// The angle of the point (x, y); the origin has none. Minus zero is zero
+// here as in the intervals: a point on the negative x axis has the angle pi.
 double Atan2(const ZorWBEnvironment& environment, double y, double x) {
     if ((x == 0.0 && y == 0.0) || x != x || y != y) return RealDomainError(environment);
-    return std::atan2(y, x);
+    return std::atan2(y + 0.0, x);
 }
 
 template <class F>

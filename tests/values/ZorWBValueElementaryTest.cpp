@@ -204,6 +204,19 @@ TEST(ZorWBValueElementary, DomainErrors) {
     EXPECT_EQ(environment.GetError(), 1u);
 }
 
+// Minus zero is zero: a point on the negative x axis has the angle pi, as
+// the interval form says of [-0, -0].
+TEST(ZorWBValueElementary, Atan2OnTheNegativeXAxisIsPi) {
+    ZorWBEnvironment environment;
+    const double pi = 3.141592653589793;
+    EXPECT_EQ(ZorWBAtan2(environment, ZorWBValue(-0.0), ZorWBValue(-0.47)).GetAsReal(), pi);
+    ZorWBRealInterval image =
+        ZorWBAtan2(environment, ZorWBValue(ZorWBRealInterval{-0.0, -0.0}), ZorWBValue(-0.47))
+            .GetAsRealInterval();
+    EXPECT_EQ(image.high, pi);
+    EXPECT_EQ(environment.GetError(), 0u);
+}
+
 // Roots of perfect powers are exact integers; even roots without a range
 // are the non-negative branch, and a range selects the other one.
 TEST(ZorWBValueElementary, RootsAndTheirBranches) {
