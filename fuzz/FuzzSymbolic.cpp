@@ -152,14 +152,13 @@ class System {
     }
 
     // An expression of a few operators over the variables and earlier nodes.
-    // One whose every node evaluates without error, within 1e6 and not
-    // within 1e-9 of 0 without being 0 at the point becomes an equation:
-    // such values may stand for a singularity that rounding hid
-    // (1 / sin(Pi), atan2(sin(Pi), sin(Pi))), which the transformation
-    // rightly brings out.
+    // Only nodes that evaluate without error, within 1e6, not within 1e-9 of
+    // 0 without being 0 and not at a jump are kept (and so reused by later
+    // expressions): a tiny value may stand for a singularity that rounding
+    // hid (1 / sin(Pi), atan2(sin(Pi), sin(Pi))), which the transformation
+    // rightly brings out. The last node kept becomes an equation.
     void AddGeneral() {
         ZorWBExpression* last = nullptr;
-        bool wellConditioned = true;
         for (int i = 1 + _in.Index(6); i > 0; --i) {
             ZorWBExpressionType type = RealTypes[_in.Index(sizeof RealTypes / sizeof RealTypes[0])];
             const ZorWBExpressionTypeInfo* info = ZorWBGetExpressionTypeInfo(type);
@@ -171,13 +170,14 @@ class System {
                 _f.CreateOperator(type, static_cast<int>(operands.size()), operands.data());
             if (!node) continue;
             double value = Evaluate(_f, node);
-            // A tiny non-zero value may be a zero that rounding moved.
-            wellConditioned = wellConditioned && std::fabs(value) <= 1e6 &&
-                              (value == 0.0 || std::fabs(value) >= 1e-9) && !AtJump(type, operands);
+            bool wellConditioned = std::fabs(value) <= 1e6 &&
+                                   (value == 0.0 || std::fabs(value) >= 1e-9) &&
+                                   !AtJump(type, operands);
+            if (!wellConditioned) continue;
             _nodes.push_back(node);
             last = node;
         }
-        if (last && wellConditioned) AddEquation(last);
+        if (last) AddEquation(last);
     }
 
     ZorWBFactory& _f;
