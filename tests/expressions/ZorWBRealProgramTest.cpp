@@ -112,8 +112,8 @@ TEST(ZorWBRealProgram, StructuralChangesDropThePrograms) {
 }
 
 TEST(ZorWBRealProgram, OnlyTheChosenBranchRunsAndSharedNodesRunOnce) {
+    CountingBlackBox blackBox;  // outlives the factory's nodes that call it
     ZorWBFactory f;
-    CountingBlackBox blackBox;
     ZorWBVariable* x = f.CreateVariable();
     ZorWBVariable* c = f.CreateVariable();
     ZorWBVariable* d = f.CreateVariable();
