@@ -56,12 +56,15 @@ double OrNaN(bool defined, double value) {
     return defined ? value : NAN;
 }
 
-// x - y * floor(x / y) as the doubles compute it (so that 10 mod 0.2 is 0),
-// and the exact remainder once x / y passes 2^52, where that formula loses
-// every digit.
+// x - y * floor(x / y) as the doubles compute it (so that 10 mod 0.2 is 0)
+// while that lies between 0 and y; otherwise (a large x whose rounding error
+// carries the formula out of that range, or x / y beyond 2^52, where it
+// loses every digit) the exact remainder.
 double FlooredMod(double x, double y) {
     if (y == 0.0) return NAN;
-    if (std::fabs(x / y) < 4503599627370496.0) return x - y * std::floor(x / y);
+    double formula = x - y * std::floor(x / y);
+    bool inRange = y > 0.0 ? 0.0 <= formula && formula <= y : y <= formula && formula <= 0.0;
+    if (std::fabs(x / y) < 4503599627370496.0 && inRange) return formula;
     double r = std::fmod(x, y);
     return r != 0.0 && (r < 0.0) != (y < 0.0) ? r + y : r;
 }
