@@ -132,7 +132,9 @@ class System {
     // Whether a function with jumps is taken at one of them, where an
     // operand that rewriting moves by a rounding error (or turns from 0 to
     // -0) changes the value by the jump: floor at an integer, sign at 0,
-    // mod at a multiple of the divisor, atan2 on its cut (y = 0, x < 0).
+    // mod at a multiple of the divisor, atan2 on its cut (y = 0, x < 0), a
+    // negative base (its powers and roots exist at integral exponents and
+    // odd degrees only).
     bool AtJump(ZorWBExpressionType type, const std::vector<ZorWBExpression*>& operands) {
         auto near = [](double v, double to) { return std::fabs(v - to) <= 1e-9; };
         double a = Evaluate(_f, operands[0]);
@@ -146,6 +148,9 @@ class System {
                 return b == 0.0 || near(a / b, std::round(a / b));
             case ZorWBExpressionType::Atan2:
                 return near(a, 0.0) && b <= 0.0;
+            case ZorWBExpressionType::Power:
+            case ZorWBExpressionType::Root:
+                return a < 0.0;
             default:
                 return false;
         }

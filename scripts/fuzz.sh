@@ -5,6 +5,9 @@
 # UndefinedBehaviorSanitizer in build-sanitize (the test command's sanitizer
 # build) unless ZORWBX_FUZZ_BUILD names another build directory.
 # Usage: scripts/fuzz.sh [SECONDS] [parser|values|output|symbolic ...]
+# ZORWBX_FUZZ_SEED fixes libFuzzer's seed (the test command uses 1, so that
+# its short runs try the same inputs on every machine); 0, the default, lets
+# libFuzzer draw one.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -32,6 +35,7 @@ for name in "${targets[@]}"; do
     # A finding is written to fuzz/crash-* (or leak-*, timeout-*); -timeout
     # turns a hang into a finding, -rss_limit_mb a runaway allocation.
     if "$build/fuzz/fuzz_$name" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=4096 \
+        -seed="${ZORWBX_FUZZ_SEED:-0}" \
         -print_final_stats=1 -artifact_prefix=fuzz/ "$corpus" examples >"$log" 2>&1; then
         runs=$(sed -n 's/^Done \([0-9]*\) runs.*/\1/p' "$log" | tail -1)
         echo "fuzz_$name: ${runs:-?} executions in ${seconds} s, no finding"

@@ -25,4 +25,4 @@ export ASAN_OPTIONS=halt_on_error=1:detect_leaks=1:abort_on_error=0:detect_stack
 export UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
 ctest --test-dir build-sanitize --output-on-failure -j"$jobs"
 
-ZORWBX_FUZZ_BUILD=build-sanitize scripts/fuzz.sh 30
+ZORWBX_FUZZ_BUILD=build-sanitize ZORWBX_FUZZ_SEED=1 scripts/fuzz.sh 30

@@ -56,13 +56,6 @@ double RealRoot(double x, double degree) {
     return std::pow(x, 1.0 / degree);
 }
 
-// The remainder with the sign of the divisor.
-double FlooredModulo(double a, double b) {
-    double remainder = std::fmod(a, b);
-    if (remainder != 0.0 && (remainder < 0.0) != (b < 0.0)) remainder += b;
-    return remainder;
-}
-
 double Truth(bool b) {
     return b ? 1.0 : 0.0;
 }
@@ -121,7 +114,7 @@ BinaryKind BinaryKindOf(Type type) {
         case Type::Dim:      return {ZorWBDim, [](double a, double b) { return std::fdim(a, b); }};
         case Type::Sign:     return {ZorWBSign, [](double a, double b) {
                                          return b >= 0.0 ? std::fabs(a) : -std::fabs(a); }};
-        case Type::Mod:      return {ZorWBMod, FlooredModulo};
+        case Type::Mod:      return {ZorWBMod, ZorWBIntervalRules::FlooredRemainder};
         // clang-format on
         default:
             return {nullptr, nullptr};

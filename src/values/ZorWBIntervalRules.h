@@ -24,10 +24,16 @@ constexpr double InversePi = 0.3183098861837907;
 // The floored remainder a - b floor(a / b) (b non-zero, both finite), in
 // [0, b) or (b, 0]. The formula, kept where it is exact so that mod(10, 0.2)
 // is 0 rather than the remainder of the binary 0.2, loses every digit (or
-// overflows) once |a / b| passes 2^52: the exact remainder of fmod then.
+// overflows) once |a / b| passes 2^52, and its rounding can leave the
+// divisor's side of 0 (a quotient that underflows to -0, a large a): the
+// exact remainder of fmod then.
 inline double FlooredRemainder(double a, double b) {
     const double quotient = a / b;
-    if (std::fabs(quotient) < 4503599627370496.0) return a - b * std::floor(quotient);
+    if (std::fabs(quotient) < 4503599627370496.0) {
+        const double remainder = a - b * std::floor(quotient);
+        if (b > 0.0 ? 0.0 <= remainder && remainder <= b : b <= remainder && remainder <= 0.0)
+            return remainder;
+    }
     const double remainder = std::fmod(a, b);
     return remainder != 0.0 && (remainder < 0.0) != (b < 0.0) ? remainder + b : remainder;
 }

@@ -516,6 +516,20 @@ TEST(ZorWBEvaluation, RandomGraphsAgreeWithFreshAndRealEvaluation) {
     }
 }
 
+// Eval() and GetValue() share the real modulo: mod(10, 0.2) is 0 for both,
+// not the remainder of the binary 0.2.
+TEST(ZorWBEvaluation, EvalAndGetValueGiveTheSameModulo) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    ZorWBExpression* mod = f.CreateOperator(ZorWBExpressionType::Mod, x, f.CreateRealConstant(0.2));
+    for (double value : {10.0, -10.0, 0.7, 1e-300, -3.25}) {
+        SetReal(x, value);
+        EXPECT_EQ(mod->Eval(), RealValue(mod)) << value;
+    }
+    SetReal(x, 10.0);
+    EXPECT_EQ(mod->Eval(), 0.0);
+}
+
 // Property: substituting a constant for a variable and evaluating equals
 // evaluating with the variable set to that constant.
 TEST(ZorWBEvaluation, RandomPartialEvaluationMatchesAssignment) {

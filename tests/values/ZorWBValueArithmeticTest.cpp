@@ -196,6 +196,12 @@ TEST(ZorWBValueArithmetic, IntegersStayExactOrBecomeReals) {
     EXPECT_EQ(ZorWBMod(environment, ZorWBValue(-7), ZorWBValue(3)).GetAsInteger(), 2);
     EXPECT_EQ(ZorWBMod(environment, ZorWBValue(7), ZorWBValue(-3)).GetAsInteger(), -2);
     EXPECT_EQ(ZorWBMod(environment, ZorWBValue(-7.5), ZorWBValue(2.0)).GetAsReal(), 0.5);
+    EXPECT_EQ(ZorWBMod(environment, ZorWBValue(10.0), ZorWBValue(0.2)).GetAsReal(), 0.0);
+    // The remainder stays on the divisor's side where the quotient underflows.
+    double remainder =
+        ZorWBMod(environment, ZorWBValue(1.1521116795372028e-319), ZorWBValue(-259845521408.0))
+            .GetAsReal();
+    EXPECT_TRUE(-259845521408.0 <= remainder && remainder <= 0.0) << remainder;
     EXPECT_EQ(environment.GetError(), 0u);
 }
 
