@@ -85,15 +85,8 @@ bool ZorWBCalculusSession::IsSkipped(const ZorWBExpression* node) {
 // by the variable itself gives its integrand.
 bool ZorWBCalculusSession::UsesChildDerivative(const ZorWBExpression* node, int i) {
     const ZorWBEnvironment& environment = node->GetEnvironment();
+    if (ZorWBIsLogicalType(node->GetType())) return false;
     switch (node->GetType()) {
-        case Type::Not:
-        case Type::Or:
-        case Type::And:
-        case Type::Equal:
-        case Type::NotEqual:
-        case Type::LessEqual:
-        case Type::Implication:
-            return false;
         case Type::Min:
         case Type::Max:
             return environment.CheckLevel(ZorWBLevel::DifferentiateMinMax);

@@ -101,6 +101,14 @@ ZORWBX_API const ZorWBExpressionTypeInfo* ZorWBGetExpressionTypeInfo(int type);
 inline const ZorWBExpressionTypeInfo* ZorWBGetExpressionTypeInfo(ZorWBExpressionType type) {
     return ZorWBGetExpressionTypeInfo(static_cast<int>(type));
 }
+
+// Whether nodes of the type give truth values: Not, the logic operators and
+// the comparisons.
+inline bool ZorWBIsLogicalType(ZorWBExpressionType type) {
+    const ZorWBExpressionTypeInfo* info = ZorWBGetExpressionTypeInfo(type);
+    return info &&
+           (info->family == ZorWBNodeFamily::Not || info->family == ZorWBNodeFamily::Boolean);
+}
 // The member name of a type, "ERROR" for any other number.
 ZORWBX_API const char* ZorWBExpressionTypeName(int type);
 inline const char* ZorWBExpressionTypeName(ZorWBExpressionType type) {

@@ -71,18 +71,7 @@ bool IsInfix(const ZorWBExpression* e) {
 }
 
 bool IsBoolean(const ZorWBExpression* e) {
-    switch (e->GetType()) {
-        case Type::Not:
-        case Type::Or:
-        case Type::And:
-        case Type::Equal:
-        case Type::NotEqual:
-        case Type::LessEqual:
-        case Type::Implication:
-            return true;
-        default:
-            return false;
-    }
+    return ZorWBIsLogicalType(e->GetType());
 }
 
 bool IsCompound(const ZorWBExpression* e) {
