@@ -7,7 +7,9 @@
 # Usage: scripts/fuzz.sh [SECONDS] [parser|values|output|symbolic ...]
 # ZORWBX_FUZZ_SEED fixes libFuzzer's seed (the test command uses 1, so that
 # its short runs try the same inputs on every machine); 0, the default, lets
-# libFuzzer draw one.
+# libFuzzer draw one. ZORWBX_FUZZ_ARGS adds libFuzzer options, for instance
+# "-runs=10000000 -entropic=0 -max_len=128" for a campaign of a given length
+# (give SECONDS large enough).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -16,6 +18,7 @@ shift || true
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] || targets=(parser values output symbolic)
 build=${ZORWBX_FUZZ_BUILD:-build-sanitize}
+read -r -a extra <<<"${ZORWBX_FUZZ_ARGS:-}"
 
 if ! grep -qs '^ZORWBX_BUILD_FUZZ:BOOL=ON' "$build/CMakeCache.txt"; then
     scripts/install-deps.sh clang
@@ -35,10 +38,10 @@ for name in "${targets[@]}"; do
     # A finding is written to fuzz/crash-* (or leak-*, timeout-*); -timeout
     # turns a hang into a finding, -rss_limit_mb a runaway allocation.
     if "$build/fuzz/fuzz_$name" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=4096 \
-        -seed="${ZORWBX_FUZZ_SEED:-0}" \
+        -seed="${ZORWBX_FUZZ_SEED:-0}" "${extra[@]}" \
         -print_final_stats=1 -artifact_prefix=fuzz/ "$corpus" examples >"$log" 2>&1; then
         runs=$(sed -n 's/^Done \([0-9]*\) runs.*/\1/p' "$log" | tail -1)
-        echo "fuzz_$name: ${runs:-?} executions in ${seconds} s, no finding"
+        echo "fuzz_$name: ${runs:-?} executions, no finding"
     else
         echo "fuzz_$name: FINDING (see $log)"
         tail -40 "$log"
