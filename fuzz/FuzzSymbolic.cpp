@@ -151,12 +151,13 @@ class System {
         return _nodes[static_cast<std::size_t>(n - 1 - _in.Index(std::min(n, 4)))];
     }
 
-    // Whether a function with jumps is taken at one of them, where an
-    // operand that rewriting moves by a rounding error (or turns from 0 to
-    // -0) changes the value by the jump: floor at an integer, sign at 0,
-    // mod at a multiple of the divisor, atan2 on its cut (y = 0, x < 0), a
-    // negative base (its powers and roots exist at integral exponents and
-    // odd degrees only).
+    // Whether a function is taken at a jump or at the edge of its domain,
+    // where an operand that rewriting moves by a rounding error (or turns
+    // from 0 to -0) changes the value by the jump or leaves the domain:
+    // floor at an integer, sign at 0, mod at a multiple of the divisor,
+    // atan2 on its cut (y = 0, x < 0), a negative base (its powers and roots
+    // exist at integral exponents and odd degrees only), roots and
+    // logarithms at 0, asin and acos at -1 and 1.
     bool AtJump(ZorWBExpressionType type, const std::vector<ZorWBExpression*>& operands) {
         auto near = [](double v, double to) { return std::fabs(v - to) <= 1e-9; };
         double a = Evaluate(_f, operands[0]);
@@ -172,7 +173,14 @@ class System {
                 return near(a, 0.0) && b <= 0.0;
             case ZorWBExpressionType::Power:
             case ZorWBExpressionType::Root:
-                return a < 0.0;
+                return a < 0.0 || near(a, 0.0);
+            case ZorWBExpressionType::Sqrt:
+            case ZorWBExpressionType::Log:
+            case ZorWBExpressionType::Ln:
+                return near(a, 0.0);
+            case ZorWBExpressionType::Asin:
+            case ZorWBExpressionType::Acos:
+                return near(std::fabs(a), 1.0);
             default:
                 return false;
         }

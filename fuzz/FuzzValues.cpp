@@ -346,9 +346,18 @@ std::string Text(double number) {
     return text;
 }
 
+// The value's text, kind and, for an enumeration, its first entries.
 std::string Describe(const ZorWBValue& value) {
     std::string text = value.Str().c_str();
     text += " (kind " + std::to_string(value.GetType()) + ")";
+    auto entries = [&text](const auto& elements) {
+        text += " rep " + std::to_string(elements.GetRep()) + " {";
+        for (int i = 0; i < std::min(elements.GetSize(), 8); ++i)
+            text += (i ? ", " : "") + Text(elements.Get(i));
+        text += elements.GetSize() > 8 ? ", ...}" : "}";
+    };
+    if (value.GetType() == ZorWBIntegerEnumType) entries(value.GetIntegerEnum());
+    if (value.GetType() == ZorWBRealEnumType) entries(value.GetRealEnum());
     return text;
 }
 

@@ -18,9 +18,11 @@
 #include "values/ZorWBEnvironment.h"
 #include "values/ZorWBFraction.h"
 #include "values/ZorWBInterval.h"
+#include "values/ZorWBIntervalFunctions.h"
 #include "values/ZorWBInverseFunctions.h"
 #include "values/ZorWBLevel.h"
 #include "values/ZorWBValue.h"
+#include "values/ZorWBValueFunctions.h"
 
 #include "expressions/ZorWBBlackBox.h"
 #include "expressions/ZorWBBlackBoxOperator.h"
@@ -49,7 +51,12 @@
 #include "parser/ZorWBUnit.h"
 #include "parser/ZorWBVisitor.h"
 
+#include "output/WBx2JSON.h"
 #include "output/ZorWBEquationPrinter.h"
+#include "output/ZorWBEquations.h"
+#include "output/ZorWBFactoryGraph.h"
+#include "output/ZorWBJsonTree.h"
+#include "output/ZorWBValueText.h"
 
 #include "symbolic/ZorWBLinearForm.h"
 #include "symbolic/ZorWBSimplifier.h"

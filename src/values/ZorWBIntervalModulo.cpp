@@ -39,6 +39,13 @@ double RealModulo(double a, double b) {
     return ZorWBIntervalRules::FlooredRemainder(a, b);
 }
 
+// floor(a / b) for b > 0, also where a / b underflows: a negative a then
+// has the quotient -1, not the floor of -0.
+double FloorOfQuotient(double a, double b) {
+    const double floored = std::floor(a / b);
+    return a < 0.0 && floored == 0.0 ? -1.0 : floored;
+}
+
 // The closure of { a mod b : a in [a1, a2], b in [p, q] } for 0 < p <= q.
 // Where floor(a / b) = k the remainder is a - k b, linear, so its extremes
 // over the box lie at the box's corners or where the lines a = m b cross the
@@ -54,8 +61,8 @@ RealHull RealPositiveDivisorModulo(double a1, double a2, double p, double q) {
         for (double b : {p, q})
             hull.Add(RealModulo(a, b));
     }
-    const double kMin = std::floor(std::fmin(a1 / p, a1 / q));
-    const double kMax = std::floor(std::fmax(a2 / p, a2 / q));
+    const double kMin = std::fmin(FloorOfQuotient(a1, p), FloorOfQuotient(a1, q));
+    const double kMax = std::fmax(FloorOfQuotient(a2, p), FloorOfQuotient(a2, q));
     if (kMax > kMin) {
         hull.Add(0.0);
         if (kMin < 0.0 && kMax >= 0.0) hull.Add(q);

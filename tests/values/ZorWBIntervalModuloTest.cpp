@@ -138,6 +138,10 @@ TEST(ZorWBIntervalModulo, RealEdgeCases) {
          {-4.909, -4.909},
          std::fmod(-1.96154140198989e23, -4.909),
          std::fmod(-1.96154140198989e23, -4.909)},
+        // Dividends across 0 whose quotients underflow: both sides of 0 count.
+        {{-42.75, 2.6831747008687296e-312}, {-23639499997184, -23639499997184},
+         -23639499997184, 0},
+        {{-1e-312, 42.75}, {23639499997184, 23639499997184}, 0, 23639499997184},
     };
     for (const auto& [a, b, low, high] : cases) {
         EXPECT_TRUE(Is(ZorWBMod(environment, a, b), low, high, 1e-15)) << a.low << " mod " << b.low;
