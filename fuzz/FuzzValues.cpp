@@ -268,9 +268,10 @@ std::vector<double> PointsOf(FuzzBytes& in, const ZorWBValue& value) {
     // Minus zero is zero (atan2 would tell them apart, the intervals do not).
     for (double& point : points)
         point += 0.0;
-    // Points beyond the real range stand for the infinite ends only.
+    // Points beyond the real range stand for the infinite ends only, and so
+    // do the limits themselves, where the intervals clamp their bounds.
     points.erase(std::remove_if(points.begin(), points.end(),
-                                [](double p) { return std::isnan(p) || std::fabs(p) > Limit; }),
+                                [](double p) { return std::isnan(p) || std::fabs(p) >= Limit; }),
                  points.end());
     return points;
 }
