@@ -153,6 +153,10 @@ void ZorWBLinearElimination::SubstitutePivot(std::size_t k, int p) {
         NoteAppeared(i, appeared);
         if (row.HasRemainder()) target.AddRemainder(_factory, row, b, bIsOne);
         target.SetKind(p, ZorWBLinearForm::AbsentKind);
+        // A form of an earlier pass that solved for p too (p came back into
+        // it through a remainder) no longer defines p: it is written back as
+        // an equation in what is left.
+        if (target.GetPivot() == p) target.SetPivot(ZorWBLinearForm::NoPivot);
         if (trace) ZorWBSymbolicTransformations::Trace(FormText(i, "after substitute"));
     }
     // Only the pivot row holds its variable now.

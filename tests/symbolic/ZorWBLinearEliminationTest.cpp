@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "SymbolicTestSupport.h"
+#include "parser/ZorWBModel.h"
+#include "parser/ZorWBParser.h"
+#include "parser/ZorWBParserMessenger.h"
 #include "symbolic/ZorWBSymbolicTransformations.h"
 
 namespace {
@@ -140,6 +143,40 @@ TEST_P(EliminationTest, RepeatedVariablesAreMergedBeforeTheFormIsRead) {
         u->SetExprValue(ZorWBValue(1.0));
         EXPECT_NEAR(Evaluate(g.GetFirstEquation()->GetRoot()), 0.0, 1e-12) << "mode " << mode;
     }
+}
+
+// va2 is a term of the third equation and inside products of the others: it
+// comes back into the remainder of the form that solved for it, and a later
+// pass solves for it again. The first form then defines nothing and is
+// written back as an equation; every result holds at the solution.
+TEST_P(EliminationTest, AVariableSolvedAgainInALaterPassLeavesItsFirstFormAnEquation) {
+    const char* text =
+        "va2 * -5.0 * -5.0 + va2 * -5.0 * -5.0 + (-3.375 + va0) = 44.375;\n"
+        "va3 + (va2 * -5.0 * -5.0 + va2 * -5.0 * -5.0 + (-3.375 + va0)) = 42.375;\n"
+        "2 * va0 + 2 * va0 - va1 + 4 * va2 + 5.5 = 0;\n"
+        "va0 + 2.5 + (va2 * -5.0 * -5.0 + va2 * -5.0 * -5.0 + (-3.375 + va0)) + (va3 + (va2 * "
+        "-5.0 * -5.0 + va2 * -5.0 * -5.0 + (-3.375 + va0))) * log(va2 * -5.0 * -5.0 + va2 * -5.0 "
+        "* -5.0 + (-3.375 + va0)) * (va3 + (va2 * -5.0 * -5.0 + va2 * -5.0 * -5.0 + (-3.375 + "
+        "va0))) = 3002.2935650991144;\n";
+    ZorWBFactory system;
+    system.GetEnvironment().SetUseOldSymbolicTransformations(GetParam());
+    ZorWBModel model;
+    ZorQelIntArray ids;
+    ZorWBParserMessenger messenger;
+    ASSERT_EQ(ZorWBParser::Parse(text, model, ids, messenger), 0);
+    ZorQelIntArray equations;
+    ASSERT_EQ(model.FillFactory(system, equations), 0);
+    ST* st = ZorCreateWBSymbolicTransformations(0, system);
+    st->SetMode(2);
+    st->Run();
+    ZorRemove(st);
+    const std::pair<const char*, double> solution[] = {
+        {"va0", -2.25}, {"va1", 0.5}, {"va2", 1.0}, {"va3", -2.0}};
+    for (const auto& [name, value] : solution)
+        system.GetVariable(ZorQelString(name))->SetExprValue(ZorWBValue(value));
+    EXPECT_EQ(system.GetNbOfEquations(), 4);
+    for (ZorWBEquation* e = system.GetFirstEquation(); e; e = e->GetNext())
+        EXPECT_NEAR(Evaluate(e->GetRoot()), 0.0, 1e-9) << Text(e->GetRoot());
 }
 
 INSTANTIATE_TEST_SUITE_P(BothEngines, EliminationTest, ::testing::Values(false, true),
