@@ -269,9 +269,8 @@ bool Holds(ZorWBFactory& f, const ZorWBEquation* equation, double tolerance) {
 bool NearlyDependent(std::vector<std::vector<double>> rows) {
     rows.erase(std::remove_if(rows.begin(), rows.end(),
                               [](const std::vector<double>& row) {
-                                  return std::all_of(row.begin(), row.end(), [](double v) {
-                                      return std::fabs(v) < 1e-9;
-                                  });
+                                  return std::all_of(row.begin(), row.end(),
+                                                     [](double v) { return std::fabs(v) < 1e-9; });
                               }),
                rows.end());
     for (std::vector<double>& row : rows) {

@@ -55,10 +55,10 @@ bool Checked(const ZorWBEnvironment& environment, Function&& function, ZorWBValu
     unsigned int saved = environment.GetError();
     environment.ClearError();
     ZorWBValue result = function();
-    bool overflowed = result.GetType() == ZorWBRealType &&
-                      !(std::fabs(result.GetAsReal()) <= ZorWBRealLimit);
-    bool ok = environment.GetError() == ZorWBError::None &&
-              !result.IsAKindOf(ZorWBUndefinedType) && !overflowed;
+    bool overflowed =
+        result.GetType() == ZorWBRealType && !(std::fabs(result.GetAsReal()) <= ZorWBRealLimit);
+    bool ok = environment.GetError() == ZorWBError::None && !result.IsAKindOf(ZorWBUndefinedType) &&
+              !overflowed;
     environment.ClearError();
     environment.SetError(saved);
     if (ok) out = result;

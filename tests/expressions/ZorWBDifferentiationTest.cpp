@@ -465,10 +465,12 @@ TEST(ZorWBDifferentiation, DismantledNodesHaveNoDerivative) {
     ZorWBFactory f(ZorWBLevel::All);
     ZorWBVariable* x = f.CreateVariable();
     ZorWBVariable* y = f.CreateVariable();
-    std::vector<ZorWBExpression*> nodes = {
-        f.CreateQuotient(f.CreateSin(x), y), f.CreatePower(x, y), f.CreateAtan2(x, y),
-        f.CreateIntegrateOperator(f.CreateSin(x), x), f.CreateOperator(Type::Round, x, y, y),
-        f.CreateIfThenElse(f.CreateLessEqual(x, y), x, y)};
+    std::vector<ZorWBExpression*> nodes = {f.CreateQuotient(f.CreateSin(x), y),
+                                           f.CreatePower(x, y),
+                                           f.CreateAtan2(x, y),
+                                           f.CreateIntegrateOperator(f.CreateSin(x), x),
+                                           f.CreateOperator(Type::Round, x, y, y),
+                                           f.CreateIfThenElse(f.CreateLessEqual(x, y), x, y)};
     for (ZorWBExpression* node : nodes) {
         SCOPED_TRACE(static_cast<int>(node->GetType()));
         ASSERT_TRUE(node->RemoveChild(node->GetNbOfChildren() - 1));
