@@ -16,6 +16,7 @@
 #include "expressions/ZorWBVariable.h"
 #include "output/ZorWBEquationPrinter.h"
 #include "symbolic/ZorWBSymbolicTransformations.h"
+#include "values/ZorWBInterval.h"
 
 namespace {
 
@@ -224,29 +225,38 @@ class System {
     double _scale = 1.0;
 };
 
-// Whether e holds a constant beyond 1e30: merging the numeric factors of a
-// product can gather such a coefficient in front of a tiny power, and the
-// product in its new order then overflows where the original did not.
-bool HasHugeConstant(const ZorWBExpression* e) {
+bool BeyondRealLimit(const ZorWBExpression* e) {
+    return !(std::fabs(e->GetValue().GetAsReal()) <= ZorWBRealLimit);
+}
+
+// Whether a product or a power in e overflows although its operands do not.
+// Merging powers and numeric factors reorders a product (x * y^2)^57 into
+// x^57 * y^114, whose factors may pass the real limit where every partial
+// result of the original stayed within 1e6; that is rounding, not algebra.
+bool OverflowsInside(ZorWBFactory& f, const ZorWBExpression* e) {
+    f.ResetBuffer(nullptr);
     std::vector<const ZorWBExpression*> stack{e};
     std::unordered_set<const ZorWBExpression*> seen{e};
     while (!stack.empty()) {
         const ZorWBExpression* node = stack.back();
         stack.pop_back();
-        if (node->GetType() == ZorWBExpressionType::Constant &&
-            !(std::fabs(node->GetExprValue().GetAsReal()) <= 1e30))
-            return true;
+        bool reorderable = node->GetType() == ZorWBExpressionType::Product ||
+                           node->GetType() == ZorWBExpressionType::Power;
+        bool operandsInRange = true;
         for (int i = 0; i < node->GetNbOfChildren(); ++i) {
             const ZorWBExpression* child = node->GetChild(i);
-            if (child && seen.insert(child).second) stack.push_back(child);
+            if (!child) continue;
+            operandsInRange = operandsInRange && !BeyondRealLimit(child);
+            if (seen.insert(child).second) stack.push_back(child);
         }
+        if (reorderable && operandsInRange && BeyondRealLimit(node)) return true;
     }
     return false;
 }
 
 bool Holds(ZorWBFactory& f, const ZorWBEquation* equation, double tolerance) {
     double v = Evaluate(f, equation->GetRoot());
-    if (std::isnan(v)) return HasHugeConstant(equation->GetRoot());
+    if (std::isnan(v)) return OverflowsInside(f, equation->GetRoot());
     switch (equation->GetType()) {
         case ZorWBEqualZero:
             return std::fabs(v) <= tolerance;

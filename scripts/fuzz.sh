@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Runs every libFuzzer target (or the ones named) for SECONDS each (60 by
-# default) over its corpus, seeded from examples/, and fails on any finding.
+# default) over its corpus, seeded from examples/ and from the target's past
+# findings in fuzz/regressions/, and fails on any finding.
 # The targets are built with clang, AddressSanitizer and
 # UndefinedBehaviorSanitizer in build-sanitize (the test command's sanitizer
 # build) unless ZORWBX_FUZZ_BUILD names another build directory.
@@ -34,12 +35,14 @@ failed=0
 for name in "${targets[@]}"; do
     corpus=fuzz/corpus-$name
     mkdir -p "$corpus"
+    seeds=(examples)
+    [ -d "fuzz/regressions/$name" ] && seeds+=("fuzz/regressions/$name")
     log=$build/fuzz_$name.log
     # A finding is written to fuzz/crash-* (or leak-*, timeout-*); -timeout
     # turns a hang into a finding, -rss_limit_mb a runaway allocation.
     if "$build/fuzz/fuzz_$name" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=4096 \
         -seed="${ZORWBX_FUZZ_SEED:-0}" "${extra[@]}" \
-        -print_final_stats=1 -artifact_prefix=fuzz/ "$corpus" examples >"$log" 2>&1; then
+        -print_final_stats=1 -artifact_prefix=fuzz/ "$corpus" "${seeds[@]}" >"$log" 2>&1; then
         runs=$(sed -n 's/^Done \([0-9]*\) runs.*/\1/p' "$log" | tail -1)
         echo "fuzz_$name: ${runs:-?} executions, no finding"
     else
