@@ -125,11 +125,8 @@ int WbxGraphCommand(WbxContext& context) {
     if (ReadOptions(context, options) != WbxExit::Success) return WbxExit::Usage;
     WbxModelFile file;
     if (file.Load(context, options.path) != WbxExit::Success) return WbxExit::Usage;
+    if (!file.HasEquations(context, "draw")) return WbxExit::Failure;
     ZorWBFactory& factory = file.GetFactory();
-    if (factory.GetNbOfEquations() == 0) {
-        context.err << "wbx: '" << options.path << "' holds no equation to draw\n";
-        return WbxExit::Failure;
-    }
     if (!options.dot) return WriteFiles(context, options, factory);
     ZorQelStream stream;
     stream.OpenMemory();

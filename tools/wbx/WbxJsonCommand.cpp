@@ -66,11 +66,8 @@ int WbxJsonCommand(WbxContext& context) {
     if (ReadOptions(context, options) != WbxExit::Success) return WbxExit::Usage;
     WbxModelFile file;
     if (file.Load(context, options.path) != WbxExit::Success) return WbxExit::Usage;
+    if (!file.HasEquations(context, "write")) return WbxExit::Failure;
     ZorWBFactory& factory = file.GetFactory();
-    if (factory.GetNbOfEquations() == 0) {
-        context.err << "wbx: '" << options.path << "' holds no equation to write\n";
-        return WbxExit::Failure;
-    }
     ToolJsonWriter writer(factory, options.version);
     for (int i = 0; i < factory.GetNbOfEquations(); ++i)
         writer.Append(factory.GetEquation(i)->GetRoot());

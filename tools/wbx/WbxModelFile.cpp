@@ -47,6 +47,12 @@ int WbxModelFile::Load(WbxContext& context, const std::string& path) {
     return _messenger.GetErrorNumber() == 0 ? WbxExit::Success : WbxExit::Failure;
 }
 
+bool WbxModelFile::HasEquations(WbxContext& context, const char* action) {
+    if (_factory.GetNbOfEquations() > 0) return true;
+    context.err << "wbx: '" << _path << "' holds no equation to " << action << "\n";
+    return false;
+}
+
 void WbxModelFile::Report(WbxContext& context, int i) const {
     int code = 0;
     ZorWBLocation location;

@@ -34,6 +34,10 @@ class WbxModelFile {
     // 'FILE': REASON" on the error stream).
     int Load(WbxContext& context, const std::string& path);
 
+    // Whether the factory holds an equation; when it holds none, says so on
+    // the error stream as "wbx: 'FILE' holds no equation to ACTION".
+    bool HasEquations(WbxContext& context, const char* action);
+
     ZorWBFactory& GetFactory() { return _factory; }
     const ZorWBModel& GetModel() const { return _model; }
     int GetNbOfDiagnostics() const { return _messenger.GetErrorNumber(); }
