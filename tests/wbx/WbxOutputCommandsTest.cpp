@@ -89,9 +89,13 @@ TEST(WbxJson, WritesTheSameDocumentIntoAFile) {
 TEST(WbxJson, MistakesAreReportedOnOneLine) {
     fs::path directory = Scratch("json_bad");
     std::ofstream(directory / "empty.wbx") << "/* nothing */\n";
-    WbxRun empty = Wbx({"json", (directory / "empty.wbx").string()});
+    const std::string emptyPath = (directory / "empty.wbx").string();
+    WbxRun empty = Wbx({"json", emptyPath});
     EXPECT_EQ(empty.status, 1);
-    EXPECT_EQ(Lines(empty.err), 1);
+    EXPECT_EQ(empty.err, "wbx: '" + emptyPath + "' holds no equation to write\n");
+    WbxRun nothingToDraw = Wbx({"graph", emptyPath, "--dot"});
+    EXPECT_EQ(nothingToDraw.status, 1);
+    EXPECT_EQ(nothingToDraw.err, "wbx: '" + emptyPath + "' holds no equation to draw\n");
     for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
              {"json"},
              {"json", Example("linkage.wbx"), "--version", "4"},
