@@ -6,7 +6,7 @@
 
 #include "ExpressionTestSupport.h"
 #include "expressions/ZorWBEquation.h"
-#include "values/AllocationCounter.h"
+#include "values/TestAllocator.h"
 
 using Type = ZorWBExpressionType;
 

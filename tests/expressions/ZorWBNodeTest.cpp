@@ -3,7 +3,7 @@
 #include "ExpressionTestSupport.h"
 #include "expressions/ZorWBBlackBoxOperator.h"
 #include "expressions/ZorWBOperator.h"
-#include "values/AllocationCounter.h"
+#include "values/TestAllocator.h"
 
 using Type = ZorWBExpressionType;
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "ExpressionShape.h"
-#include "FailingAllocation.h"
+#include "values/TestAllocator.h"
 #include "ParserTestSupport.h"
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <random>
 
-#include "AllocationCounter.h"
+#include "TestAllocator.h"
 #include "ValueTestSupport.h"
 #include "values/ZorWBValueFunctions.h"
 

@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "AllocationCounter.h"
+#include "TestAllocator.h"
 #include "values/ZorWBEnvironment.h"
 #include "values/ZorWBValue.h"
 
