@@ -254,21 +254,28 @@ bool OverflowsInside(ZorWBFactory& f, const ZorWBExpression* e) {
     return false;
 }
 
-bool Holds(ZorWBFactory& f, const ZorWBEquation* equation, double tolerance) {
-    double v = Evaluate(f, equation->GetRoot());
-    if (std::isnan(v)) return OverflowsInside(f, equation->GetRoot());
-    switch (equation->GetType()) {
+bool Satisfied(ZorWBEquationType type, double root, double tolerance) {
+    switch (type) {
         case ZorWBEqualZero:
-            return std::fabs(v) <= tolerance;
+            return std::fabs(root) <= tolerance;
         case ZorWBLessEqualZero:
         case ZorWBLessZero:
-            return v <= tolerance;
+            return root <= tolerance;
         case ZorWBGreaterEqualZero:
         case ZorWBGreaterZero:
-            return v >= -tolerance;
+            return root >= -tolerance;
         default:  // no tolerance tells a root near 0 from 0
             return true;
     }
+}
+
+// Whether the equation holds at the point, or fails only through an overflow
+// of a reordered product (which may also reach the root through a function
+// that saturates, such as atan2(Pi, x) at an infinite x).
+bool Holds(ZorWBFactory& f, const ZorWBEquation* equation, double tolerance) {
+    double root = Evaluate(f, equation->GetRoot());
+    return (!std::isnan(root) && Satisfied(equation->GetType(), root, tolerance)) ||
+           OverflowsInside(f, equation->GetRoot());
 }
 
 // Whether rows (gradients) that are not zero are nearly dependent. The
