@@ -4,11 +4,11 @@
 #include <vector>
 
 #include "ExpressionShape.h"
-#include "values/TestAllocator.h"
 #include "ParserTestSupport.h"
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
 #include "parser/ZorWBParserResult.h"
+#include "values/TestAllocator.h"
 #include "values/ZorWBFraction.h"
 
 namespace {
