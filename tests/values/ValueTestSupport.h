@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "values/ZorWBEnvironment.h"
+#include "values/ZorWBFraction.h"
 #include "values/ZorWBValue.h"
 
 namespace valuetest {
@@ -83,6 +84,25 @@ inline ZorWBValue RandomOperand(std::mt19937& rng, ZorWBValueType kind) {
         default:
             return ZorWBValue();
     }
+}
+
+// The fraction numerator / denominator * Pi^power as a value.
+inline ZorWBValue Fraction(int numerator, int denominator, int power = 0) {
+    return ZorWBValue(ZorWBCreateFraction(numerator, denominator, power, 0));
+}
+
+// One value of each kind, in the order of the kinds: undefined, integer,
+// real, the two intervals, the two enumerations, boolean and fraction.
+inline std::vector<ZorWBValue> OneValueOfEachKind() {
+    return {ZorWBValue(),
+            ZorWBValue(1),
+            ZorWBValue(1.5),
+            ZorWBValue(ZorWBIntegerInterval{1, 2}),
+            ZorWBValue(ZorWBRealInterval{1, 2}),
+            ZorWBValue(ZorWBIntegerEnum()),
+            ZorWBValue(ZorWBRealEnum()),
+            ZorWBValue(ZorWBTrue),
+            Fraction(1, 2)};
 }
 
 // The real reading of a fraction, rounded as the library rounds it (the

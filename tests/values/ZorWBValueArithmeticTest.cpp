@@ -57,10 +57,6 @@ bool IsRealKind(ZorWBValueType kind) {
            kind == ZorWBFractionType;
 }
 
-ZorWBValue Fraction(int numerator, int denominator, int power = 0) {
-    return ZorWBValue(ZorWBCreateFraction(numerator, denominator, power, 0));
-}
-
 }  // namespace
 
 // For operands of every pair of kinds, the image of every pair of sampled
@@ -107,14 +103,7 @@ TEST(ZorWBValueArithmetic, BinaryResultsHoldTheImagesOfTheirOperands) {
 
 TEST(ZorWBValueArithmetic, CommonKindFollowsTheTable) {
     ZorWBEnvironment environment;
-    const ZorWBValue samples[] = {ZorWBValue(),
-                                  ZorWBValue(1),
-                                  ZorWBValue(1.5),
-                                  ZorWBValue(ZorWBIntegerInterval{1, 2}),
-                                  ZorWBValue(ZorWBRealInterval{1, 2}),
-                                  ZorWBValue(ZorWBIntegerEnum()),
-                                  ZorWBValue(ZorWBRealEnum()),
-                                  ZorWBValue(ZorWBTrue)};
+    const std::vector<ZorWBValue> samples = OneValueOfEachKind();
     const int table[8][8] = {
         {0, 0, 0, 0, 0, 0, 0, 0}, {0, 1, 2, 3, 4, 5, 6, 3}, {0, 2, 2, 4, 4, 6, 6, 0},
         {0, 3, 4, 3, 4, 5, 6, 3}, {0, 4, 4, 4, 4, 6, 6, 0}, {0, 5, 6, 5, 6, 5, 6, 3},

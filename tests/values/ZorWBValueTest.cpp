@@ -7,14 +7,13 @@
 #include <vector>
 
 #include "TestAllocator.h"
+#include "ValueTestSupport.h"
 #include "values/ZorWBEnvironment.h"
 #include "values/ZorWBValue.h"
 
-namespace {
+using namespace valuetest;
 
-ZorWBValue MakeFraction(int numerator, int denominator, int power) {
-    return ZorWBValue(ZorWBCreateFraction(numerator, denominator, power, 99));
-}
+namespace {
 
 ZorWBValue Simplified(ZorWBValue value, bool toReal) {
     value.SimplifyFraction(toReal);
@@ -54,53 +53,53 @@ TEST(ZorWBValue, StrByKind) {
     EXPECT_EQ(ZorWBValue(ZorWBTrue).Str(), "TRUE");
     EXPECT_EQ(ZorWBValue(ZorWBUnknown).Str(), "TRUE");
     EXPECT_EQ(ZorWBValue(ZorWBEmpty).Str(), "TRUE");
-    EXPECT_EQ(MakeFraction(1, 2, 1).Str(), "Fraction");
+    EXPECT_EQ(Fraction(1, 2, 1).Str(), "Fraction");
 }
 
 TEST(ZorWBValue, SimplifyFractionKeepsItsMarkerPairing) {
-    ZorWBValue zeroByZero = Simplified(MakeFraction(0, 0, 0), false);
+    ZorWBValue zeroByZero = Simplified(Fraction(0, 0, 0), false);
     EXPECT_EQ(zeroByZero.GetType(), ZorWBIntegerType);
     EXPECT_EQ(zeroByZero.GetAsInteger(), 2147483647);
-    EXPECT_EQ(Simplified(MakeFraction(3, 0, 0), false).GetAsInteger(), -2147483647);
-    EXPECT_EQ(Simplified(MakeFraction(-3, 0, 0), false).GetAsInteger(), -2147483647);
-    EXPECT_EQ(Simplified(MakeFraction(5, -2147483647, 0), false).GetAsInteger(), -2147483647);
-    EXPECT_EQ(Simplified(MakeFraction(0, 7, 3), false).GetAsInteger(), 0);
-    ZorWBValue plusMarker = Simplified(MakeFraction(2147483647, 3, 0), false);
+    EXPECT_EQ(Simplified(Fraction(3, 0, 0), false).GetAsInteger(), -2147483647);
+    EXPECT_EQ(Simplified(Fraction(-3, 0, 0), false).GetAsInteger(), -2147483647);
+    EXPECT_EQ(Simplified(Fraction(5, -2147483647, 0), false).GetAsInteger(), -2147483647);
+    EXPECT_EQ(Simplified(Fraction(0, 7, 3), false).GetAsInteger(), 0);
+    ZorWBValue plusMarker = Simplified(Fraction(2147483647, 3, 0), false);
     EXPECT_EQ(plusMarker.GetType(), ZorWBRealType);
     EXPECT_EQ(plusMarker.GetAsReal(), 3.4028234663852886e+39);
 }
 
 TEST(ZorWBValue, SimplifyFractionReducesOrReadsAsReal) {
-    ZorWBValue reduced = Simplified(MakeFraction(6, 4, 0), false);
+    ZorWBValue reduced = Simplified(Fraction(6, 4, 0), false);
     ASSERT_TRUE(reduced.IsAFraction());
     EXPECT_EQ(reduced.GetAsFraction().numerator, 3);
     EXPECT_EQ(reduced.GetAsFraction().denominator, 2);
-    ZorWBValue signs = Simplified(MakeFraction(-6, -4, 0), false);
+    ZorWBValue signs = Simplified(Fraction(-6, -4, 0), false);
     EXPECT_EQ(signs.GetAsFraction().numerator, 3);
     EXPECT_EQ(signs.GetAsFraction().denominator, 2);
-    ZorWBValue negative = Simplified(MakeFraction(6, -4, 1), false);
+    ZorWBValue negative = Simplified(Fraction(6, -4, 1), false);
     EXPECT_EQ(negative.GetAsFraction().numerator, -3);
     EXPECT_EQ(negative.GetAsFraction().denominator, 2);
     EXPECT_EQ(negative.GetAsFraction().power, 1);
-    ZorWBValue whole = Simplified(MakeFraction(4, 2, 0), false);
+    ZorWBValue whole = Simplified(Fraction(4, 2, 0), false);
     EXPECT_EQ(whole.GetType(), ZorWBIntegerType);
     EXPECT_EQ(whole.GetAsInteger(), 2);
-    ZorWBValue halfPi = Simplified(MakeFraction(1, 2, 1), true);
+    ZorWBValue halfPi = Simplified(Fraction(1, 2, 1), true);
     EXPECT_EQ(halfPi.GetType(), ZorWBRealType);
     EXPECT_EQ(halfPi.GetAsReal(), 1.5707963267948966);
     // Extreme integers neither overflow nor lose exactness.
-    EXPECT_EQ(Simplified(MakeFraction(INT_MIN, -1, 0), false).GetAsReal(), 2147483648.0);
-    ZorWBValue extreme = Simplified(MakeFraction(INT_MIN, -2, 1), false);
+    EXPECT_EQ(Simplified(Fraction(INT_MIN, -1, 0), false).GetAsReal(), 2147483648.0);
+    ZorWBValue extreme = Simplified(Fraction(INT_MIN, -2, 1), false);
     EXPECT_EQ(extreme.GetAsFraction().numerator, 1073741824);
     EXPECT_EQ(extreme.GetAsFraction().denominator, 1);
 }
 
 TEST(ZorWBValue, FractionReadsAsItsRealValue) {
-    EXPECT_DOUBLE_EQ(MakeFraction(1, 180, 1).GetAsReal(), 3.141592653589793 / 180);
-    EXPECT_DOUBLE_EQ(MakeFraction(180, 1, -1).GetAsReal(), 180 / 3.141592653589793);
-    EXPECT_EQ(MakeFraction(3, 0, 0).GetAsReal(), ZorWBRealMinusInfinity);
-    EXPECT_EQ(MakeFraction(1, 2, 0).GetAsBoolean(), ZorWBTrue);
-    EXPECT_EQ(MakeFraction(0, 2, 0).GetAsBoolean(), ZorWBFalse);
+    EXPECT_DOUBLE_EQ(Fraction(1, 180, 1).GetAsReal(), 3.141592653589793 / 180);
+    EXPECT_DOUBLE_EQ(Fraction(180, 1, -1).GetAsReal(), 180 / 3.141592653589793);
+    EXPECT_EQ(Fraction(3, 0, 0).GetAsReal(), ZorWBRealMinusInfinity);
+    EXPECT_EQ(Fraction(1, 2, 0).GetAsBoolean(), ZorWBTrue);
+    EXPECT_EQ(Fraction(0, 2, 0).GetAsBoolean(), ZorWBFalse);
 }
 
 TEST(ZorWBValue, BooleanReadingOfIntegerSets) {
@@ -120,15 +119,7 @@ TEST(ZorWBValue, BooleanReadingOfIntegerSets) {
 }
 
 TEST(ZorWBValue, ConvertibilityTable) {
-    const ZorWBValue samples[] = {ZorWBValue(),
-                                  ZorWBValue(1),
-                                  ZorWBValue(1.5),
-                                  ZorWBValue(ZorWBIntegerInterval{1, 2}),
-                                  ZorWBValue(ZorWBRealInterval{1, 2}),
-                                  ZorWBValue(ZorWBIntegerEnum()),
-                                  ZorWBValue(ZorWBRealEnum()),
-                                  ZorWBValue(ZorWBTrue),
-                                  MakeFraction(1, 2, 0)};
+    const std::vector<ZorWBValue> samples = OneValueOfEachKind();
     // Rows: the value's kind 0..8; columns: the target kind 0..8.
     const bool expected[9][9] = {
         {1, 0, 0, 1, 1, 0, 0, 0, 0}, {0, 1, 1, 1, 1, 0, 0, 1, 0}, {0, 0, 1, 1, 1, 0, 0, 0, 0},
@@ -240,10 +231,10 @@ TEST(ZorWBValue, AssignKeepsTheKindOfTheTarget) {
     reals.Assign(environment, ZorWBValue(ZorWBRealInterval{1, 0}));
     EXPECT_TRUE(reals.GetRealEnum().IsNil());
 
-    ZorWBValue fraction = MakeFraction(1, 3, 0);
+    ZorWBValue fraction = Fraction(1, 3, 0);
     fraction.Assign(environment, ZorWBValue(2.5));
     EXPECT_EQ(fraction.GetType(), ZorWBRealType);
-    ZorWBValue fractionKept = MakeFraction(1, 3, 0);
+    ZorWBValue fractionKept = Fraction(1, 3, 0);
     fractionKept.Assign(environment, ZorWBValue(ZorWBTrue));
     EXPECT_TRUE(fractionKept.IsAFraction());
 
@@ -293,7 +284,7 @@ TEST(ZorWBValue, ScalarKindsNeverTouchTheHeap) {
                            ZorWBValue(ZorWBIntegerInterval{1, 2}),
                            ZorWBValue(ZorWBRealInterval{1, 2}),
                            ZorWBValue(ZorWBUnknown),
-                           MakeFraction(1, 2, 1)};
+                           Fraction(1, 2, 1)};
     for (const ZorWBValue& value : values) {
         ZorWBValue copy(value);
         ZorWBValue assigned;
@@ -326,7 +317,7 @@ TEST(ZorWBValue, GeneratedConversionsAgreeWithEachOther) {
         ASSERT_EQ(interval.GetAsBoolean(), expected);
         int numerator = integers(random), denominator = integers(random);
         if (denominator == 0) continue;
-        ZorWBValue fraction = Simplified(MakeFraction(numerator, denominator, 0), false);
+        ZorWBValue fraction = Simplified(Fraction(numerator, denominator, 0), false);
         ASSERT_DOUBLE_EQ(fraction.GetAsReal(), static_cast<double>(numerator) / denominator);
     }
 }
