@@ -107,39 +107,73 @@ std::vector<double> SpreadRoots(std::mt19937& random, double low, double high, i
 
 }  // namespace
 
-// The property plots are drawn for: every zero of the function is marked,
-// within one sample of where it truly is, and no other point is.
-TEST(ZorWBPlot, ZerosOfGeneratedPolynomialsAreMarkedWithinOneSample) {
-    std::mt19937 random(11);
-    for (int round = 0; round < 200; ++round) {
-        ZorWBFactory factory;
-        ZorWBVariable* x = factory.CreateVariable();
+// A generated polynomial of planted roots, in product form (its value
+// near each root is exact to rounding) or expanded (its value near a root
+// is mostly rounding noise).
+struct PlantedPolynomial {
+    ZorWBFactory factory;
+    ZorWBVariable* x = factory.CreateVariable();
+    double low, high;
+    std::vector<double> roots;
+    ZorWBExpression* root = nullptr;
+
+    PlantedPolynomial(std::mt19937& random, int degree, bool expanded) {
         x->SetName("x");
-        double low = std::uniform_real_distribution<double>(-50.0, 10.0)(random);
-        double high = low + std::uniform_real_distribution<double>(0.5, 80.0)(random);
-        std::vector<double> roots = SpreadRoots(random, low, high, 1 + round % 5);
+        low = std::uniform_real_distribution<double>(-50.0, 10.0)(random);
+        high = low + std::uniform_real_distribution<double>(0.5, 80.0)(random);
+        roots = SpreadRoots(random, low, high, degree);
         double scale = std::pow(10.0, std::uniform_int_distribution<int>(-3, 3)(random)) *
-                       (round % 2 ? 1.0 : -1.0);
-        std::vector<double> coefficients = Polynomial(roots, scale);
-        ZorWBExpression* root =
-            factory.CreatePolynomialTerm(static_cast<int>(roots.size()), coefficients.data(), x);
+                       (random() % 2 ? 1.0 : -1.0);
+        if (expanded) {
+            std::vector<double> coefficients = Polynomial(roots, scale);
+            root = factory.CreatePolynomialTerm(degree, coefficients.data(), x);
+        } else {
+            root = factory.CreateRealConstant(scale);
+            for (double r : roots)
+                root = factory.CreateProduct(root,
+                                             factory.CreateSub(x, factory.CreateRealConstant(r)));
+        }
+        std::sort(roots.begin(), roots.end());
+    }
+
+    // Plots the polynomial and checks each marker against its root: at most
+    // one sample away, or tolerance pixels where samples are closer.
+    void CheckMarkers(double tolerance) {
         ZorWBPlotData data = ZorWBPlotSampler::SampleRoot(root, x, low, high);
         Drawing drawing(ZorWBSvgPlot::Write(data, "x", "p(x)", "plot").GetStdString());
         ASSERT_TRUE(drawing.wellFormed);
-        auto pixel = [&](double value) {
-            return drawing.frameLeft + (value - low) / (high - low) * drawing.frameWidth;
-        };
         ASSERT_EQ(drawing.zeros.size(), roots.size())
-            << "round " << round << " [" << low << ", " << high << "] scale " << scale << " roots "
-            << ::testing::PrintToString(roots) << " zeros " << ::testing::PrintToString(data.zeros);
-        std::sort(roots.begin(), roots.end());
+            << "[" << low << ", " << high << "] roots " << ::testing::PrintToString(roots)
+            << " zeros " << ::testing::PrintToString(data.zeros);
+        double pixelWidth = (high - low) / drawing.frameWidth;
         for (std::size_t i = 0; i < roots.size(); ++i) {
             auto [dataX, cx] = drawing.zeros[i];
-            double spacing = std::max(drawing.SpacingAround(pixel(roots[i])), 0.01);
-            EXPECT_LE(std::fabs(cx - pixel(roots[i])), spacing) << "round " << round;
-            EXPECT_LE(std::fabs(dataX - roots[i]), spacing / drawing.frameWidth * (high - low))
-                << "round " << round;
+            double pixel = drawing.frameLeft + (roots[i] - low) / pixelWidth;
+            double spacing = std::max(drawing.SpacingAround(pixel), tolerance);
+            EXPECT_LE(std::fabs(cx - pixel), spacing) << roots[i];
+            EXPECT_LE(std::fabs(dataX - roots[i]), spacing * pixelWidth) << roots[i];
         }
+    }
+};
+
+// The property plots are drawn for: every zero of the function is marked,
+// within one sample of where it truly is, and no other point is. (Pixel
+// coordinates are written to 0.01 pixel.)
+TEST(ZorWBPlot, ZerosOfGeneratedPolynomialsAreMarkedWithinOneSample) {
+    std::mt19937 random(11);
+    for (int round = 0; round < 200; ++round) {
+        SCOPED_TRACE(round);
+        PlantedPolynomial(random, 1 + round % 6, false).CheckMarkers(0.01);
+    }
+}
+
+// Rounding makes an expanded polynomial cross 0 several times around each
+// root: still one marker each, within half a pixel.
+TEST(ZorWBPlot, ExpandedPolynomialsGetOneMarkerPerZeroDespiteRounding) {
+    std::mt19937 random(12);
+    for (int round = 0; round < 100; ++round) {
+        SCOPED_TRACE(round);
+        PlantedPolynomial(random, 1 + round % 5, true).CheckMarkers(0.5);
     }
 }
 
