@@ -122,7 +122,7 @@ TEST(ZorWBModelGraph, GraphvizAcceptsTheDotOfGeneratedModels) {
 }
 
 TEST(ZorWBModelGraph, AModelOfAnyDepthIsDrawn) {
-    const int terms = 200000;
+    const int terms = 100000;
     std::string text = "x";
     for (int i = 0; i < terms; ++i)
         text += "+1";
