@@ -9,8 +9,9 @@ namespace {
 const char* const Style =
     "body{font-family:sans-serif;margin:2em auto;max-width:60em;color:#222}"
     "h1{font-size:1.5em}h2{font-size:1.2em;margin-top:1.6em;border-bottom:1px solid #ccc}"
-    "ol.system li{margin:.4em 0}ol.system math{display:inline "
-    "math;math-style:normal}table{border-collapse:collapse}"
+    "ol.system li{margin:.4em 0}"
+    "ol.system math{display:inline math;math-style:normal;font-size:1.15em}"
+    "table{border-collapse:collapse}"
     "th,td{border:1px solid #ccc;padding:.25em .6em;text-align:left}"
     "td.value{font-family:monospace}.true{color:#1e7b34}.false{color:#b3261e;font-weight:bold}"
     ".unknown{color:#8a6d00}.empty{color:#b3261e}figure{margin:1em 0}"
