@@ -11,6 +11,13 @@ command -v flex >/dev/null || needed+=(flex)
 command -v bison >/dev/null || needed+=(bison)
 [ -f /usr/include/gtest/gtest.h ] || needed+=(libgtest-dev)
 [ -f /usr/include/nlohmann/json.hpp ] || needed+=(nlohmann-json3-dev)
+# The MathML, HTML and graph tests check their output with the tools that
+# read it: libxml2 and xmllint, zlib (screenshots), Graphviz and Chromium.
+[ -f /usr/include/libxml2/libxml/parser.h ] || needed+=(libxml2-dev)
+command -v xmllint >/dev/null || needed+=(libxml2-utils)
+[ -f /usr/include/zlib.h ] || needed+=(zlib1g-dev)
+command -v dot >/dev/null || needed+=(graphviz)
+command -v chromium >/dev/null || needed+=(chromium)
 # clang with its sanitizer and libFuzzer runtimes, for the sanitizer build.
 command -v clang++ >/dev/null || needed+=(clang)
 compgen -G '/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a' >/dev/null ||

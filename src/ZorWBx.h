@@ -52,11 +52,18 @@
 #include "parser/ZorWBVisitor.h"
 
 #include "output/WBx2JSON.h"
+#include "output/ZorWBEquationMLPrinter.h"
 #include "output/ZorWBEquationPrinter.h"
 #include "output/ZorWBEquations.h"
 #include "output/ZorWBFactoryGraph.h"
+#include "output/ZorWBHtmlReport.h"
 #include "output/ZorWBJsonTree.h"
+#include "output/ZorWBModelGraph.h"
+#include "output/ZorWBPlotSampler.h"
+#include "output/ZorWBSvgPlot.h"
 #include "output/ZorWBValueText.h"
+
+#include "editor/ZorWBEditor.h"
 
 #include "symbolic/ZorWBLinearForm.h"
 #include "symbolic/ZorWBSimplifier.h"

@@ -2,18 +2,19 @@
 
 #include <vector>
 
-#include "expressions/ZorWBBlackBoxOperator.h"
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBExpression.h"
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBLanguageText.h"
 #include "expressions/ZorWBVariable.h"
+#include "output/ZorWBPrintShape.h"
 
 namespace {
 
 using Type = ZorWBExpressionType;
 using Binding = ZorWBBinding;
+using Shape = ZorWBPrintShape;
 
 // How a node is written.
 enum class Form : unsigned char {
@@ -46,30 +47,6 @@ bool IsConstant(const ZorWBExpression* e) {
     return e->GetType() == Type::Constant;
 }
 
-bool IsNegativeConstant(const ZorWBExpression* e) {
-    return IsConstant(e) && ZorWBIsNegativeNumber(e->GetExprValue());
-}
-
-bool IsMinusOne(const ZorWBExpression* e) {
-    if (!IsConstant(e)) return false;
-    const ZorWBValue& value = e->GetExprValue();
-    return value.GetType() == ZorWBIntegerType && value.GetAsInteger() == -1;
-}
-
-bool IsInfix(const ZorWBExpression* e) {
-    switch (e->GetType()) {
-        case Type::Sum:
-        case Type::Product:
-            return Count(e) >= 2;
-        case Type::Quotient:
-        case Type::Power:
-        case Type::Root:
-            return Count(e) == 2;
-        default:
-            return false;
-    }
-}
-
 bool IsBoolean(const ZorWBExpression* e) {
     return ZorWBIsLogicalType(e->GetType());
 }
@@ -77,71 +54,6 @@ bool IsBoolean(const ZorWBExpression* e) {
 bool IsCompound(const ZorWBExpression* e) {
     Type type = e->GetType();
     return Count(e) == 2 && (type == Type::And || type == Type::Or || type == Type::Implication);
-}
-
-// Whether the text of e, read back under a unary minus, has its sign folded
-// in (a constant, or a product led by one) instead of getting a factor -1.
-bool FoldsUnderUnaryMinus(const ZorWBExpression* e) {
-    if (IsConstant(e) || e->GetType() == Type::UnaryMinus) return true;
-    if (e->GetType() != Type::Product || Count(e) < 2) return false;
-    const ZorWBExpression* first = e->GetChild(0);
-    return IsConstant(first) || first->GetType() == Type::UnaryMinus;
-}
-
-// The same after a binary minus, which also folds into quotients of a
-// constant (CreateSub).
-bool FoldsUnderSubtraction(const ZorWBExpression* e) {
-    if (FoldsUnderUnaryMinus(e)) return true;
-    if (!Is(e, Type::Quotient, 2)) return false;
-    const ZorWBExpression* first = e->GetChild(0);
-    return IsConstant(first) || first->GetType() == Type::UnaryMinus;
-}
-
-// Product(-1, b) that can be written "-b" (alone) or "a - b" (in a sum).
-bool IsPlainNegation(const ZorWBExpression* e, bool afterMinus) {
-    if (!Is(e, Type::Product, 2) || !IsMinusOne(e->GetChild(0))) return false;
-    const ZorWBExpression* negated = e->GetChild(1);
-    return afterMinus ? !FoldsUnderSubtraction(negated) : !FoldsUnderUnaryMinus(negated);
-}
-
-// The shapes that CreateSub makes of a - b: a negative constant, a product
-// led by a negative constant, a quotient of a negative constant. In a sum
-// they are written after a minus.
-bool IsNegatedShape(const ZorWBExpression* e) {
-    if (IsNegativeConstant(e)) return true;
-    bool product = e->GetType() == Type::Product && Count(e) >= 2;
-    bool quotient = Is(e, Type::Quotient, 2);
-    return (product || quotient) && IsNegativeConstant(e->GetChild(0));
-}
-
-Binding BindingOf(const ZorWBExpression* e) {
-    if (IsNegativeConstant(e) || e->GetType() == Type::UnaryMinus) return Binding::Unary;
-    if (!IsInfix(e)) return Binding::Primary;
-    switch (e->GetType()) {
-        case Type::Sum:
-            return Binding::Additive;
-        case Type::Product:
-            return IsPlainNegation(e, false) ? Binding::Unary : Binding::Multiplicative;
-        case Type::Quotient:
-            return Binding::Multiplicative;
-        default:  // Power, Root
-            return Binding::Power;
-    }
-}
-
-// The binding of the negation of a negated shape.
-Binding NegatedBindingOf(const ZorWBExpression* e) {
-    if (IsConstant(e)) return Binding::Primary;
-    if (IsPlainNegation(e, true)) return BindingOf(e->GetChild(1));
-    return Binding::Multiplicative;
-}
-
-ZorQelString CallName(const ZorWBExpression* e) {
-    if (e->GetType() == Type::BlackBox)
-        return static_cast<const ZorWBBlackBoxOperator*>(e)->GetBlackBoxName();
-    const ZorWBExpressionTypeInfo* info = ZorWBGetExpressionTypeInfo(e->GetType());
-    if (!info) return "ERROR";
-    return *info->function ? info->function : info->name;
 }
 
 class Printer {
@@ -174,7 +86,8 @@ class Printer {
     }
     // An operand of an infix operator, in brackets where it needs them.
     void Operand(const ZorWBExpression* parent, const ZorWBExpression* operand, bool left) {
-        Node(operand, Form::Plain, ZorWBNeedsBrackets(parent->GetType(), left, BindingOf(operand)));
+        Node(operand, Form::Plain,
+             ZorWBNeedsBrackets(parent->GetType(), left, Shape::BindingOf(operand)));
     }
 
   private:
@@ -199,7 +112,7 @@ class Printer {
             case Form::NegatedCondition:
                 return ExpandNegatedCondition(e);
             case Form::CallName:
-                _out += CallName(e);
+                _out += Shape::CallName(e);
                 _out += "(";
                 return;
             case Form::StepParameters:
@@ -217,11 +130,11 @@ class Printer {
             _out += const_cast<ZorWBVariable*>(static_cast<const ZorWBVariable*>(e))->GetName();
         } else if (IsConstant(e)) {
             ZorWBAppendValueText(_out, e->GetExprValue());
-        } else if (IsInfix(e)) {
+        } else if (Shape::IsInfix(e)) {
             ExpandInfix(e);
         } else if (Is(e, Type::UnaryMinus, 1)) {
             Text("-");
-            Node(e->GetChild(0), Form::Plain, BindingOf(e->GetChild(0)) < Binding::Unary);
+            Node(e->GetChild(0), Form::Plain, Shape::BindingOf(e->GetChild(0)) < Binding::Unary);
         } else if (Is(e, Type::IfThenElse, 3)) {
             Text("if (");
             Node(e->GetChild(0), Form::Condition);
@@ -252,9 +165,10 @@ class Printer {
                 Operand(e, e->GetChild(0), true);
                 for (int i = 1; i < Count(e); ++i) {
                     const ZorWBExpression* term = e->GetChild(i);
-                    if (IsNegatedShape(term)) {
+                    if (Shape::IsNegatedShape(term)) {
                         Text(" - ");
-                        Node(term, Form::Negated, NegatedBindingOf(term) <= Binding::Additive);
+                        Node(term, Form::Negated,
+                             Shape::NegatedBindingOf(term) <= Binding::Additive);
                     } else {
                         Text(" + ");
                         Operand(e, term, false);
@@ -262,9 +176,10 @@ class Printer {
                 }
                 return;
             case Type::Product:
-                if (IsPlainNegation(e, false)) {
+                if (Shape::IsPlainNegation(e, false)) {
                     Text("-");
-                    Node(e->GetChild(1), Form::Plain, BindingOf(e->GetChild(1)) < Binding::Unary);
+                    Node(e->GetChild(1), Form::Plain,
+                         Shape::BindingOf(e->GetChild(1)) < Binding::Unary);
                     return;
                 }
                 Operand(e, e->GetChild(0), true);
@@ -272,10 +187,10 @@ class Printer {
                 return;
             case Type::Root:  // x ^ (1 / n)
                 Node(e->GetChild(0), Form::Plain,
-                     ZorWBNeedsBrackets(Type::Power, true, BindingOf(e->GetChild(0))));
+                     ZorWBNeedsBrackets(Type::Power, true, Shape::BindingOf(e->GetChild(0))));
                 Text(" ^ (1 / ");
                 Node(e->GetChild(1), Form::Plain,
-                     ZorWBNeedsBrackets(Type::Quotient, false, BindingOf(e->GetChild(1))));
+                     ZorWBNeedsBrackets(Type::Quotient, false, Shape::BindingOf(e->GetChild(1))));
                 Text(")");
                 return;
             default:  // Quotient, Power
@@ -297,7 +212,7 @@ class Printer {
     void ExpandNegated(const ZorWBExpression* e) {
         if (IsConstant(e)) {
             ZorWBAppendNegatedText(_out, e->GetExprValue());
-        } else if (IsPlainNegation(e, true)) {
+        } else if (Shape::IsPlainNegation(e, true)) {
             Node(e->GetChild(1));
         } else if (e->GetType() == Type::Product) {
             Node(e->GetChild(0), Form::Negated);
@@ -400,7 +315,7 @@ void AppendEquation(ZorQelString& out, const ZorWBEquation& equation) {
     if (!relation) {
         printer.Node(root);
         printer.Text(ExtremumComment(equation.GetType()));
-    } else if (root && Is(root, Type::Sum, 2) && IsNegatedShape(root->GetChild(1))) {
+    } else if (root && Is(root, Type::Sum, 2) && Shape::IsNegatedShape(root->GetChild(1))) {
         printer.Node(root->GetChild(0));
         printer.Text(relation);
         printer.Node(root->GetChild(1), Form::Negated);

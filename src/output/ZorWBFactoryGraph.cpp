@@ -5,6 +5,7 @@
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBVariable.h"
+#include "output/ZorWBGraphText.h"
 #include "output/ZorWBValueText.h"
 #include "qel/ZorQelGetEnv.h"
 
@@ -12,7 +13,7 @@ namespace {
 
 using Type = ZorWBExpressionType;
 
-enum class Arrow { Plain, Diamond, EmptyDiamond };
+using Arrow = ZorWBGraphText::Arrow;
 
 // What a drawing produces, whatever the output format.
 class GraphSink {
@@ -28,8 +29,8 @@ bool HasEdges(const ZorWBExpression* node) {
 }
 
 Arrow ArrowOf(const ZorWBExpression* parent, int childPosition) {
-    if (!ZorWBFactoryGraph::IsOrderedOperator(parent->GetType())) return Arrow::Plain;
-    return childPosition == 0 ? Arrow::Diamond : Arrow::EmptyDiamond;
+    if (!ZorWBFactoryGraph::IsOrderedOperator(parent->GetType())) return ZorWBGraphText::Plain;
+    return childPosition == 0 ? ZorWBGraphText::Diamond : ZorWBGraphText::EmptyDiamond;
 }
 
 // Draws e, its edges and, depth first, every child not yet visited: the
@@ -75,11 +76,12 @@ class WBGraphSink : public GraphSink {
 
     void Equation(const ZorWBEquation* equation, const ZorWBExpression* root) override {
         ZorQelString identity = ZorWBFactoryGraph::EquationIdentity(equation);
-        _stream.Printf("  #%s : S(Msquare) : L(%s) : PSL#\n", identity.GetString(),
-                       ZorWBFactoryGraph::EquationLabel(equation->GetType()));
+        ZorWBGraphText::WBGraphNode(_stream, identity.GetString(), "Msquare",
+                                    ZorWBFactoryGraph::EquationLabel(equation->GetType()));
         if (root)
-            _stream.Printf("  #%s : T(%s) : OT#\n", identity.GetString(),
-                           ZorWBFactoryGraph::NodeIdentity(root).GetString());
+            ZorWBGraphText::WBGraphEdge(_stream, identity.GetString(),
+                                        ZorWBFactoryGraph::NodeIdentity(root).GetString(),
+                                        ZorWBGraphText::Plain);
     }
 
     void Node(const ZorWBExpression* node, bool withValues) override {
@@ -91,31 +93,30 @@ class WBGraphSink : public GraphSink {
             _stream.Printf("   #%s : S(tripleoctagon) : L(...) : PSL#\n", id);
         } else if (type == Type::Variable) {
             if (withValues)
-                _stream.Printf("  #%s : S(record) : L({%s | %s}) : PSL#\n", id,
-                               VariableLabel(node).GetString(), ValueText(node).GetString());
+                WriteNode(id, "record", "{" + VariableLabel(node) + " | " + ValueText(node) + "}");
             else
-                _stream.Printf("  #%s : S(box) : L(%s) : PSL#\n", id,
-                               VariableLabel(node).GetString());
+                WriteNode(id, "box", VariableLabel(node));
         } else if (type == Type::Constant) {
-            _stream.Printf("  #%s : S(octagon) : L(%s) : PSL#\n", id, ValueText(node).GetString());
+            WriteNode(id, "octagon", ValueText(node));
         } else if (withValues) {
-            _stream.Printf("  #%s : S(record) : L( {%s|%s}) : PSL#\n", id,
-                           ZorWBFactoryGraph::OperatorLabel(type), ValueText(node).GetString());
+            WriteNode(id, "record",
+                      ZorQelString(" {") + ZorWBFactoryGraph::OperatorLabel(type) + "|" +
+                          ValueText(node) + "}");
         } else {
-            _stream.Printf("  #%s : L(%s) : PSL#\n", id, ZorWBFactoryGraph::OperatorLabel(type));
+            WriteNode(id, nullptr, ZorWBFactoryGraph::OperatorLabel(type));
         }
     }
 
     void Edge(const ZorWBExpression* parent, const ZorWBExpression* child, Arrow arrow) override {
-        static const char* const formats[] = {"  #%s : T(%s) : OT#\n",
-                                              "  #%s : T(%s) : A(diamond) : OTA#\n",
-                                              "  #%s : T(%s) : A(ediamond) : OTA#\n"};
-        _stream.Printf(formats[static_cast<int>(arrow)],
-                       ZorWBFactoryGraph::NodeIdentity(parent).GetString(),
-                       ZorWBFactoryGraph::NodeIdentity(child).GetString());
+        ZorWBGraphText::WBGraphEdge(_stream, ZorWBFactoryGraph::NodeIdentity(parent).GetString(),
+                                    ZorWBFactoryGraph::NodeIdentity(child).GetString(), arrow);
     }
 
   private:
+    void WriteNode(const char* id, const char* shape, const ZorQelString& label) {
+        ZorWBGraphText::WBGraphNode(_stream, id, shape, label.GetString());
+    }
+
     ZorQelStream& _stream;
 };
 
@@ -128,7 +129,7 @@ class DotSink : public GraphSink {
     void Equation(const ZorWBEquation* equation, const ZorWBExpression* root) override {
         ZorQelString identity = ZorWBFactoryGraph::EquationIdentity(equation);
         WriteNode(identity, "Msquare", ZorWBFactoryGraph::EquationLabel(equation->GetType()), "");
-        if (root) WriteEdge(identity, ZorWBFactoryGraph::NodeIdentity(root), Arrow::Plain);
+        if (root) WriteEdge(identity, ZorWBFactoryGraph::NodeIdentity(root), ZorWBGraphText::Plain);
     }
 
     void Node(const ZorWBExpression* node, bool withValues) override {
@@ -151,36 +152,14 @@ class DotSink : public GraphSink {
     }
 
   private:
-    static ZorQelString Quoted(const ZorQelString& text) {
-        ZorQelString quoted("\"");
-        for (int i = 0; i < text.GetLength(); ++i) {
-            char c = text.GetAt(i);
-            if (c == '"' || c == '\\') quoted.AppendChar('\\');
-            quoted.AppendChar(c);
-        }
-        return quoted.AppendChar('"');
-    }
-
     void WriteNode(const ZorQelString& identity, const char* shape, const ZorQelString& label,
                    const ZorQelString& value) {
-        ZorQelString text = Quoted(value.IsEmpty() ? label : label + "\n" + value);
-        // A line end inside a label is written as the two characters \n.
-        ZorQelString escaped;
-        for (int i = 0; i < text.GetLength(); ++i) {
-            if (text.GetAt(i) == '\n')
-                escaped.Append("\\n");
-            else
-                escaped.AppendChar(text.GetAt(i));
-        }
-        _stream.Printf("  %s [shape=%s, label=%s];\n", identity.GetString(), shape,
-                       escaped.GetString());
+        ZorWBGraphText::DotNode(_stream, identity.GetString(), shape,
+                                value.IsEmpty() ? label : label + "\n" + value);
     }
 
     void WriteEdge(const ZorQelString& from, const ZorQelString& to, Arrow arrow) {
-        static const char* const attributes[] = {"", " [arrowhead=diamond]",
-                                                 " [arrowhead=odiamond]"};
-        _stream.Printf("  %s -> %s%s;\n", from.GetString(), to.GetString(),
-                       attributes[static_cast<int>(arrow)]);
+        ZorWBGraphText::DotEdge(_stream, from.GetString(), to.GetString(), arrow);
     }
 
     ZorQelStream& _stream;

@@ -213,7 +213,10 @@ TEST(WbxReplayWrite, ExamplesReadBackToTheSameSections) {
 TEST(WbxOutputCommands, HelpListsThem) {
     WbxRun help = RunWbx({"--help"});
     for (const char* usage :
-         {"wbx json FILE [--version N] [-o OUT]", "wbx graph FILE [--values] [--out DIR | --dot]",
-          "wbx replay-write FILE -o OUT [--version N]"})
+         {"wbx json FILE [--version N] [-o OUT]",
+          "wbx graph FILE [--values | --model] [--out DIR | --dot]",
+          "wbx replay-write FILE -o OUT [--version N]",
+          "wbx html FILE [--set NAME=VALUE]... [--plot NAME=LOW:HIGH]... -o OUT.html",
+          "wbx edit FILE"})
         EXPECT_NE(help.out.find(usage), std::string::npos) << usage;
 }

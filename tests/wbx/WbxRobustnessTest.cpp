@@ -100,6 +100,9 @@ TEST(WbxRobustness, EveryCommandOnFilesItCannotUse) {
         {{"replay-write"}, {"-o", f.output}, 2, 2, 0, 0, 2, 2, 0},
         {{"transform"}, {}, 2, 2, 0, 0, 2, 2, 0},
         {{"replay"}, {}, 2, 2, 2, 2, 2, 2, 2},
+        {{"html"}, {"-o", f.output + ".html"}, 2, 2, 0, 0, 2, 2, 0},
+        {{"edit"}, {}, 2, 2, 0, 0, 2, 2, 0},
+        {{"graph"}, {"--model", "--dot"}, 2, 2, 1, 1, 2, 2, 0},
     };
     for (const Row& row : rows) {
         const std::pair<const std::string*, int> files[] = {
@@ -169,6 +172,29 @@ TEST(WbxRobustness, AbsurdCommandLines) {
         {{"transform", g, "--replay", f.directory}, 2},
         {{"replay"}, 2},
         {{"replay", g, g}, 2},
+        {{"html", g}, 2},
+        {{"html", g, "-o"}, 2},
+        {{"html", "-o", f.output + ".html"}, 2},
+        {{"html", g, g, "-o", f.output + ".html"}, 2},
+        {{"html", g, "-o", f.directory}, 2},
+        {{"html", g, "-o", f.missing + "/deeper.html"}, 2},
+        {{"html", g, "-o", f.output + ".html", "--plot"}, 2},
+        {{"html", g, "-o", f.output + ".html", "--plot", "x"}, 2},
+        {{"html", g, "-o", f.output + ".html", "--plot", "x=1:0"}, 2},
+        {{"html", g, "-o", f.output + ".html", "--plot", "x=1:1"}, 2},
+        {{"html", g, "-o", f.output + ".html", "--plot", "x=a:b"}, 2},
+        {{"html", g, "-o", f.output + ".html", "--plot", "x=0:1e999"}, 2},
+        {{"html", g, "-o", f.output + ".html", "--plot", "x=[0, 1]:2"}, 2},
+        {{"html", g, "-o", f.output + ".html", "--plot", "nobody=0:1"}, 2},
+        {{"html", g, "-o", f.output + ".html", "--set", "nobody=1"}, 2},
+        {{"html", g, "-o", f.output + ".html", "--set", "y=1", "--plot", "x=-1e300:1e300"}, 0},
+        {{"html", g, "-o", f.output + ".html", "--plot", "x=-1:1", "--plot", "x=-1:1"}, 0},
+        {{"edit"}, 2},
+        {{"edit", g, g}, 2},
+        {{"edit", "--bogus"}, 2},
+        {{"graph", g, "--model", "--values"}, 2},
+        {{"graph", g, "--model", "--out", f.missing + "/deeper"}, 2},
+        {{"graph", g, "--model", "--dot", "--model"}, 0},
     };
     for (const Case& c : cases)
         Check(c);

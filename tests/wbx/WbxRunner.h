@@ -14,20 +14,24 @@ struct WbxRun {
     std::string err;
 };
 
-// Runs "wbx ARGUMENTS..." in this process and captures both streams.
-inline WbxRun RunWbx(std::vector<const char*> arguments) {
+// Runs "wbx ARGUMENTS..." in this process and captures both streams; the
+// command reads input where it reads (wbx edit), never the real standard
+// input.
+inline WbxRun RunWbx(std::vector<const char*> arguments, const std::string& input = "") {
     arguments.insert(arguments.begin(), "wbx");
     std::ostringstream out, err;
-    int status = WbxMain(static_cast<int>(arguments.size()), arguments.data(), out, err);
+    std::istringstream in(input);
+    int status = WbxMain(static_cast<int>(arguments.size()), arguments.data(), out, err, &in);
     return {status, out.str(), err.str()};
 }
 
 // The same with arguments held as strings.
-inline WbxRun RunWbxArguments(const std::vector<std::string>& arguments) {
+inline WbxRun RunWbxArguments(const std::vector<std::string>& arguments,
+                              const std::string& input = "") {
     std::vector<const char*> pointers;
     for (const std::string& argument : arguments)
         pointers.push_back(argument.c_str());
-    return RunWbx(pointers);
+    return RunWbx(pointers, input);
 }
 
 #endif

@@ -1,6 +1,7 @@
 #ifndef WBX_COMMAND_H
 #define WBX_COMMAND_H
 
+#include <istream>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -12,12 +13,14 @@ constexpr int Failure = 1;  // diagnostics found, relation violated, replay diff
 constexpr int Usage = 2;    // bad command line, unreadable file, bad value
 }  // namespace WbxExit
 
-// What a command sees: its arguments (after the command name) and the two
-// output streams.
+// What a command sees: its arguments (after the command name), the two
+// output streams, and where wbx edit reads its commands (null: the standard
+// input, interactively when it is a terminal).
 struct WbxContext {
     std::vector<std::string> arguments;
     std::ostream& out;
     std::ostream& err;
+    std::istream* in = nullptr;
 };
 
 using WbxCommandFunction = int (*)(WbxContext& context);
@@ -39,9 +42,13 @@ int WbxGraphCommand(WbxContext& context);
 int WbxReplayWriteCommand(WbxContext& context);
 int WbxTransformCommand(WbxContext& context);
 int WbxReplayCommand(WbxContext& context);
+int WbxHtmlCommand(WbxContext& context);
+int WbxEditCommand(WbxContext& context);
 
-// The tool's entry point, callable in-process by tests.
-int WbxMain(int argc, const char* const* argv, std::ostream& out, std::ostream& err);
+// The tool's entry point, callable in-process by tests (which may give wbx
+// edit its input).
+int WbxMain(int argc, const char* const* argv, std::ostream& out, std::ostream& err,
+            std::istream* in = nullptr);
 
 // Writes "wbx: " and the message on the error stream and returns the usage
 // status, the common ending of a command that cannot run.

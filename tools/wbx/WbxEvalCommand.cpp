@@ -28,11 +28,10 @@
 #include <cstdio>
 
 #include "WbxCommand.h"
+#include "WbxEvaluation.h"
 #include "WbxModelFile.h"
-#include "WbxValueText.h"
 #include "expressions/ZorWBEquation.h"
 #include "output/ZorWBEquationPrinter.h"
-#include "values/ZorWBValueFunctions.h"
 
 namespace {
 
@@ -59,90 +58,6 @@ int ReadOptions(WbxContext& context, Options& options) {
     }
     if (options.path.empty()) return WbxUsageError(context, "eval needs a FILE");
     return WbxExit::Success;
-}
-
-// Gives every variable the whole real line, then the values of --set.
-int AssignVariables(WbxContext& context, ZorWBFactory& factory,
-                    const std::vector<std::string>& settings) {
-    ZorWBValue whole(ZorWBRealIntervalType);
-    whole.SetIndefinite();
-    for (int i = 0; i < factory.GetNbOfVariables(); ++i)
-        factory.GetVariable(i)->SetExprValue(whole);
-    for (const std::string& setting : settings) {
-        std::size_t equals = setting.find('=');
-        if (equals == std::string::npos)
-            return WbxUsageError(context, "--set needs NAME=VALUE, not '" + setting + "'");
-        std::string name = setting.substr(0, equals), text = setting.substr(equals + 1);
-        ZorWBVariable* variable = factory.GetVariable(ZorQelString(name));
-        if (!variable) return WbxUsageError(context, "unknown variable '" + name + "' in --set");
-        ZorWBValue value;
-        if (!WbxReadValue(text, value)) {
-            return WbxUsageError(context, "bad value '" + text + "' for " + name +
-                                              " (an integer, a real, [low, high], {a, b, ...}, "
-                                              "true or false)");
-        }
-        variable->SetExprValue(value);
-    }
-    return WbxExit::Success;
-}
-
-const char* RelationName(ZorWBEquationType type) {
-    switch (type) {
-        case ZorWBEqualZero:
-            return "=";
-        case ZorWBNotEqualZero:
-            return "!=";
-        case ZorWBLessEqualZero:
-            return "<=";
-        case ZorWBLessZero:
-            return "<";
-        case ZorWBGreaterEqualZero:
-            return ">=";
-        case ZorWBGreaterZero:
-            return ">";
-        case ZorWBMinimize:
-            return "minimize";
-        case ZorWBMaximize:
-            return "maximize";
-        default:
-            return "none";
-    }
-}
-
-bool HasRelation(ZorWBEquationType type) {
-    return type >= ZorWBEqualZero && type <= ZorWBGreaterZero;
-}
-
-// Whether value REL 0 holds, four-state.
-ZorWBBoolean Holds(const ZorWBEnvironment& environment, ZorWBEquationType type,
-                   const ZorWBValue& value) {
-    const ZorWBValue zero(0);
-    ZorWBValue verdict;
-    switch (type) {
-        case ZorWBEqualZero:
-            verdict = ZorWBEqual(environment, value, zero);
-            break;
-        case ZorWBNotEqualZero:
-            verdict = ZorWBNotEqual(environment, value, zero);
-            break;
-        case ZorWBLessEqualZero:
-            verdict = ZorWBLessEqual(environment, value, zero);
-            break;
-        case ZorWBLessZero:
-            verdict = ZorWBNot(ZorWBLessEqual(environment, zero, value));
-            break;
-        case ZorWBGreaterEqualZero:
-            verdict = ZorWBLessEqual(environment, zero, value);
-            break;
-        default:
-            verdict = ZorWBNot(ZorWBLessEqual(environment, value, zero));
-            break;
-    }
-    return verdict.GetType() == ZorWBBooleanType ? verdict.GetAsBoolean() : ZorWBEmpty;
-}
-
-std::string VerdictText(ZorWBBoolean verdict) {
-    return ZorWBEquationPrinter::PrintValue(ZorWBValue(verdict)).GetString();
 }
 
 std::string JsonString(const std::string& text) {
@@ -177,7 +92,7 @@ int WbxEvalCommand(WbxContext& context) {
     WbxModelFile file;
     if (file.Load(context, options.path) != WbxExit::Success) return WbxExit::Usage;
     ZorWBFactory& factory = file.GetFactory();
-    if (AssignVariables(context, factory, options.settings) != WbxExit::Success)
+    if (WbxAssignVariables(context, factory, options.settings) != WbxExit::Success)
         return WbxExit::Usage;
     const ZorWBEnvironment& environment = factory.GetEnvironment();
     environment.ClearError();
@@ -189,26 +104,19 @@ int WbxEvalCommand(WbxContext& context) {
     for (int i = 0; i < factory.GetNbOfEquations(); ++i) {
         ZorWBEquation* equation = factory.GetEquation(i);
         ZorWBEquationType type = equation->GetType();
-        const ZorWBValue& value = equation->GetRoot()->GetValue();
+        WbxEquationResult result = WbxEvaluate(*equation);
         std::string name = equation->GetName().GetString();
-        std::string valueText = ZorWBEquationPrinter::PrintValue(value).GetString();
-        bool relation = HasRelation(type);
-        ZorWBBoolean verdict = relation ? Holds(environment, type, value) : ZorWBUnknown;
         error |= environment.GetError();
-        if (relation && (verdict == ZorWBFalse || verdict == ZorWBEmpty)) status = WbxExit::Failure;
+        if (result.relation && (result.holds == ZorWBFalse || result.holds == ZorWBEmpty))
+            status = WbxExit::Failure;
         if (options.json) {
             context.out << (i ? ",\n " : "") << "{\"name\": " << JsonString(name)
-                        << ", \"relation\": \"" << RelationName(type)
-                        << "\", \"value\": " << JsonValue(value);
-            if (relation) context.out << ", \"holds\": \"" << VerdictText(verdict) << "\"";
+                        << ", \"relation\": \"" << WbxRelationName(type)
+                        << "\", \"value\": " << JsonValue(result.value);
+            if (result.relation) context.out << ", \"holds\": \"" << result.holdsText << "\"";
             context.out << "}";
         } else {
-            context.out << name << ": " << valueText;
-            if (relation)
-                context.out << " " << RelationName(type) << " 0 -> " << VerdictText(verdict);
-            else if (type != ZorWBEquationUnset)
-                context.out << " (" << RelationName(type) << ")";
-            context.out << "\n";
+            context.out << WbxResultLine(name, type, result) << "\n";
         }
     }
     if (options.json) {

@@ -13,6 +13,10 @@
 // wbx graph FILE --dot [--values]: the same graph, all equations in one
 // Graphviz digraph, on standard output (render it with "dot -Tsvg").
 //
+// wbx graph FILE --model [--out DIR | --dot]: the parsed model instead, as
+// the parser made it of the text (ZorWBModelGraph): one file
+// LOG_MODEL_model.WBGraph, placed as above, or DOT on standard output.
+//
 // Exit status: 0; 1 when the model holds no equation; 2 for a bad command
 // line, a file that cannot be read or has diagnostics, or a directory that
 // cannot be written.
@@ -23,6 +27,7 @@
 #include "WbxCommand.h"
 #include "WbxModelFile.h"
 #include "output/ZorWBFactoryGraph.h"
+#include "output/ZorWBModelGraph.h"
 #include "qel/ZorQelGetEnv.h"
 
 namespace {
@@ -32,6 +37,7 @@ struct Options {
     std::string directory;
     bool values = false;
     bool dot = false;
+    bool model = false;
 };
 
 int ReadOptions(WbxContext& context, Options& options) {
@@ -42,6 +48,8 @@ int ReadOptions(WbxContext& context, Options& options) {
             options.values = true;
         } else if (argument == "--dot") {
             options.dot = true;
+        } else if (argument == "--model") {
+            options.model = true;
         } else if (argument == "--out") {
             if (i + 1 == arguments.size()) return WbxUsageError(context, "--out needs a DIR");
             options.directory = arguments[++i];
@@ -54,6 +62,8 @@ int ReadOptions(WbxContext& context, Options& options) {
     if (options.path.empty()) return WbxUsageError(context, "graph needs a FILE");
     if (options.dot && !options.directory.empty())
         return WbxUsageError(context, "--dot writes on standard output: no --out with it");
+    if (options.model && options.values)
+        return WbxUsageError(context, "--values draws factory values: no --model with it");
     return WbxExit::Success;
 }
 
@@ -91,12 +101,42 @@ std::string OrDefault(const ZorQelString& value, const char* fallback) {
     return value.IsEmpty() ? fallback : value.GetString();
 }
 
-int WriteFiles(WbxContext& context, const Options& options, ZorWBFactory& factory) {
+// The directory the files go into, empty (after a message) when it is not
+// one.
+std::string Directory(WbxContext& context, const Options& options) {
     std::string directory =
         options.directory.empty() ? OrDefault(ZorQelGetEnv("QRM_VTS_OUT"), ".") : options.directory;
     std::error_code error;
-    if (!std::filesystem::is_directory(directory, error))
-        return WbxUsageError(context, "cannot write in '" + directory + "': not a directory");
+    if (std::filesystem::is_directory(directory, error)) return directory;
+    WbxUsageError(context, "cannot write in '" + directory + "': not a directory");
+    return "";
+}
+
+int WriteModel(WbxContext& context, const Options& options, const ZorWBModel& model) {
+    ZorWBModelGraph graph(model);
+    ZorQelStream stream;
+    if (options.dot) {
+        stream.OpenMemory();
+        graph.WriteDot(stream);
+        context.out << stream.GetText();
+        return WbxExit::Success;
+    }
+    std::string directory = Directory(context, options);
+    if (directory.empty()) return WbxExit::Usage;
+    std::string name = OrDefault(ZorQelGetEnv("VTS_LOG_NAME"), "wbx") + "_" +
+                       std::filesystem::path(options.path).stem().string() + "_model.WBGraph";
+    std::string path = ZorQelMakePath(directory, name).GetString();
+    if (!stream.OpenFile(path) || !graph.WriteWBGraph(stream))
+        return WbxUsageError(context, "cannot write '" + path + "'");
+    stream.Close();
+    context.out << path << "\n";
+    return WbxExit::Success;
+}
+
+int WriteFiles(WbxContext& context, const Options& options, ZorWBFactory& factory) {
+    std::string directory = Directory(context, options);
+    if (directory.empty()) return WbxExit::Usage;
+    std::error_code error;
     ScopedEnvironment out("QRM_VTS_OUT", directory);
     ScopedEnvironment log("VTS_LOG_NAME", OrDefault(ZorQelGetEnv("VTS_LOG_NAME"), "wbx"));
     std::string model = std::filesystem::path(options.path).stem().string();
@@ -126,6 +166,7 @@ int WbxGraphCommand(WbxContext& context) {
     WbxModelFile file;
     if (file.Load(context, options.path) != WbxExit::Success) return WbxExit::Usage;
     if (!file.HasEquations(context, "draw")) return WbxExit::Failure;
+    if (options.model) return WriteModel(context, options, file.GetModel());
     ZorWBFactory& factory = file.GetFactory();
     if (!options.dot) return WriteFiles(context, options, factory);
     ZorQelStream stream;

@@ -21,14 +21,22 @@ const WbxCommand Commands[] = {
      "prints the derivative of every equation root with respect to a variable", WbxDiffCommand},
     {"json", "wbx json FILE [--version N] [-o OUT]",
      "writes the equation roots as one JSON document (stream version 0 to 3)", WbxJsonCommand},
-    {"graph", "wbx graph FILE [--values] [--out DIR | --dot]",
-     "dumps the graph of every equation as .WBGraph files, or as Graphviz DOT", WbxGraphCommand},
+    {"graph", "wbx graph FILE [--values | --model] [--out DIR | --dot]",
+     "dumps the graph of every equation (or of the parsed model) as .WBGraph files, or as "
+     "Graphviz DOT",
+     WbxGraphCommand},
     {"replay-write", "wbx replay-write FILE -o OUT [--version N]",
      "writes the equation system's replay sections (input part)", WbxReplayWriteCommand},
     {"transform", "wbx transform FILE [--mode N] [--only NAME]... [--replay OUT]",
      "runs the symbolic transformations and prints the transformed system", WbxTransformCommand},
     {"replay", "wbx replay FILE", "repeats a recorded transformation and compares its output",
      WbxReplayCommand},
+    {"html", "wbx html FILE [--set NAME=VALUE]... [--plot NAME=LOW:HIGH]... -o OUT.html",
+     "writes a page with the system in MathML, its evaluation and plots of its roots",
+     WbxHtmlCommand},
+    {"edit", "wbx edit FILE",
+     "edits the equations by statements, with undo and redo (help lists the commands)",
+     WbxEditCommand},
 };
 
 int ShowHelp(WbxContext& context) {
@@ -55,8 +63,9 @@ int WbxUsageError(WbxContext& context, const std::string& message) {
     return WbxExit::Usage;
 }
 
-int WbxMain(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
-    WbxContext context{{}, out, err};
+int WbxMain(int argc, const char* const* argv, std::ostream& out, std::ostream& err,
+            std::istream* in) {
+    WbxContext context{{}, out, err, in};
     if (argc < 2 || !argv || !argv[1]) {
         ShowHelp(context);
         return WbxExit::Usage;

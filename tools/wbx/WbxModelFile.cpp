@@ -43,7 +43,7 @@ int WbxModelFile::Load(WbxContext& context, const std::string& path) {
         ZorWBParser::HandOverBlackBoxes(_blackBoxes, 0, _factory);
     }
     for (int i = 0; i < _messenger.GetErrorNumber(); ++i)
-        Report(context, i);
+        WbxReportDiagnostic(context, _path, _messenger, i);
     return _messenger.GetErrorNumber() == 0 ? WbxExit::Success : WbxExit::Failure;
 }
 
@@ -53,13 +53,14 @@ bool WbxModelFile::HasEquations(WbxContext& context, const char* action) {
     return false;
 }
 
-void WbxModelFile::Report(WbxContext& context, int i) const {
+void WbxReportDiagnostic(WbxContext& context, const std::string& source,
+                         const ZorWBParserMessenger& messenger, int i) {
     int code = 0;
     ZorWBLocation location;
-    bool placed = _messenger.GetError(i, code, location) == ZorWBParserResult::Success;
-    context.err << _path << ":";
+    bool placed = messenger.GetError(i, code, location) == ZorWBParserResult::Success;
+    context.err << source << ":";
     if (placed)
         context.err << location.GetFirstLine() << ":"
                     << static_cast<long long>(location.GetFirstColumn()) + 1 << ":";
-    context.err << " " << _messenger.GetMessage(i).GetString() << " [code " << code << "]\n";
+    context.err << " " << messenger.GetMessage(i).GetString() << " [code " << code << "]\n";
 }

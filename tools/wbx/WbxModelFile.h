@@ -20,6 +20,11 @@
 // check accepts but the factory cannot build (a function with a wrong number
 // of arguments, such as "sin(x, y)") is reported the same way, with the
 // message "conversion error, the factory cannot build this" and the code -1.
+// Writes the i-th diagnostic of a messenger as described above, SOURCE in
+// place of FILE.
+void WbxReportDiagnostic(WbxContext& context, const std::string& source,
+                         const ZorWBParserMessenger& messenger, int i);
+
 class WbxModelFile {
   public:
     WbxModelFile() = default;
@@ -43,8 +48,6 @@ class WbxModelFile {
     int GetNbOfDiagnostics() const { return _messenger.GetErrorNumber(); }
 
   private:
-    void Report(WbxContext& context, int i) const;
-
     std::string _path;
     ZorWBModel _model;
     ZorWBParserMessenger _messenger;

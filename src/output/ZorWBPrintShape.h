@@ -1,0 +1,41 @@
+#ifndef ZORWB_PRINTSHAPE_H
+#define ZORWB_PRINTSHAPE_H
+
+#include "ZorWBxExport.h"
+#include "expressions/ZorWBLanguageText.h"
+#include "qel/ZorQelString.h"
+
+class ZorWBExpression;
+
+// The shapes of factory expressions that the printers write alike, whatever
+// their output (the equation language, MathML): which nodes are infix, which
+// are written after a minus sign, and how tightly each printed form binds.
+// The bindings are those of ZorWBLanguageText, so every printer brackets by
+// the same precedence (ZorWBNeedsBrackets).
+class ZORWBX_API ZorWBPrintShape {
+  public:
+    // Sums and Products of two or more operands; Quotient, Power and Root of
+    // two.
+    static bool IsInfix(const ZorWBExpression* e);
+    // A constant holding a negative integer or real.
+    static bool IsNegativeConstant(const ZorWBExpression* e);
+    // Product(-1, b) that can be written "-b" (alone, afterMinus false) or
+    // "a - b" (in a sum, afterMinus true): b is not itself a shape whose sign
+    // the reader would fold.
+    static bool IsPlainNegation(const ZorWBExpression* e, bool afterMinus);
+    // The shapes that CreateSub makes of a - b: a negative constant, a
+    // product led by a negative constant, a quotient of a negative constant.
+    // In a sum they are written after a minus.
+    static bool IsNegatedShape(const ZorWBExpression* e);
+    // How tightly the printed form of e binds: a negative number, a unary
+    // minus and a plain negation as Unary, the infix operators by their
+    // type, everything else Primary.
+    static ZorWBBinding BindingOf(const ZorWBExpression* e);
+    // The binding of the negation of a negated shape (written after "-").
+    static ZorWBBinding NegatedBindingOf(const ZorWBExpression* e);
+    // The name a call of e is written with: the black box's name, the
+    // function name of the type, or the type's member name.
+    static ZorQelString CallName(const ZorWBExpression* e);
+};
+
+#endif
