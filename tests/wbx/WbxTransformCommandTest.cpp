@@ -153,6 +153,19 @@ TEST(WbxReplay, DifferencesAndUnreadableRecordings) {
     EXPECT_EQ(missing.err, "wbx: '" + noMode + "' holds no recorded transformation\n");
 }
 
+TEST(WbxTransform, ALongSumTransformsAndItsDeepRecordingReplays) {
+    // x = a + a + ... + a, 20,000 terms: a sum 20,000 levels deep.
+    std::string text = "x = a";
+    for (int i = 1; i < 20000; ++i)
+        text += " + a";
+    std::string model = ScratchFile("long_sum.wbx", text + ";\n");
+    std::string recording = testing::TempDir() + "long_sum.rep";
+    WbxRun run = RunWbxArguments({"transform", model, "--replay", recording});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "-5e-05 * x + a = 0;\n");
+    EXPECT_EQ(RunWbxArguments({"replay", recording}).out, "identical\n");
+}
+
 TEST(WbxTransform, HelpListsTheCommands) {
     WbxRun help = RunWbx({"--help"});
     EXPECT_NE(help.out.find("wbx transform FILE [--mode N] [--only NAME]... [--replay OUT]"),
