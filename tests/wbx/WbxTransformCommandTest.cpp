@@ -5,6 +5,10 @@
 #include <string>
 
 #include "WbxRunner.h"
+#include "expressions/ZorWBFactory.h"
+#include "qel/ZorQelStream.h"
+#include "symbolic/ZorWBSymbolicTransformations.h"
+#include "values/ZorWBLevel.h"
 
 namespace {
 
@@ -151,6 +155,29 @@ TEST(WbxReplay, DifferencesAndUnreadableRecordings) {
     WbxRun missing = RunWbxArguments({"replay", noMode});
     EXPECT_EQ(missing.status, 2);
     EXPECT_EQ(missing.err, "wbx: '" + noMode + "' holds no recorded transformation\n");
+}
+
+TEST(WbxReplay, ARecordingReplaysAtItsRecordedLevel) {
+    // Recorded by a host at a level below which the final normalisation
+    // writes u - v with a unary minus: replayed at the newest level, the
+    // output would differ.
+    const unsigned int older = ZorWBLevel::NoFinalNormalisation - 1;
+    ZorWBFactory factory(older);
+    ZorWBVariable* u = factory.CreateVariable();
+    ZorWBVariable* v = factory.CreateVariable();
+    factory.AddEquation(factory.CreateSub(u, v), ZorWBLessEqualZero);
+    ZorQelStream stream;
+    stream.OpenMemory();
+    ZorWBSymbolicTransformations* transformations =
+        ZorCreateWBSymbolicTransformations(older, factory);
+    transformations->SetMode(4);
+    transformations->SetReplayStream(&stream);
+    transformations->Run();
+    ZorRemove(transformations);
+    ASSERT_NE(stream.GetText().find("minus(va1)"), std::string::npos) << stream.GetText();
+    WbxRun replay = RunWbxArguments({"replay", ScratchFile("older.rep", stream.GetText())});
+    EXPECT_EQ(replay.status, 0) << replay.out;
+    EXPECT_EQ(replay.out, "identical\n");
 }
 
 TEST(WbxTransform, ALongSumTransformsAndItsDeepRecordingReplays) {
