@@ -114,6 +114,18 @@ bool IsNegatedShape(const ZorWBExpression* e) {
     return (product || quotient) && IsNegativeConstant(e->GetChild(0));
 }
 
+// The shapes that CreateSub(a, b) makes of a number or of a product or
+// quotient led by one, whatever its sign: an equation root Sum(A, B) with
+// such a B reads back from "A REL b", b written as the negation of B.
+bool IsSubtractedShape(const ZorWBExpression* e) {
+    bool product = e->GetType() == Type::Product && Count(e) >= 2;
+    bool quotient = Is(e, Type::Quotient, 2);
+    const ZorWBExpression* number = product || quotient ? e->GetChild(0) : e;
+    if (!IsConstant(number)) return false;
+    ZorWBValueType kind = number->GetExprValue().GetType();
+    return kind == ZorWBIntegerType || kind == ZorWBRealType;
+}
+
 Binding BindingOf(const ZorWBExpression* e) {
     if (IsNegativeConstant(e) || e->GetType() == Type::UnaryMinus) return Binding::Unary;
     if (!IsInfix(e)) return Binding::Primary;
@@ -293,7 +305,8 @@ class Printer {
         }
     }
 
-    // The negation of a negated shape, without its minus sign.
+    // The negation of a negated shape, without its minus sign; also of a
+    // subtracted shape led by a positive number, with a minus sign.
     void ExpandNegated(const ZorWBExpression* e) {
         if (IsConstant(e)) {
             ZorWBAppendNegatedText(_out, e->GetExprValue());
@@ -400,7 +413,7 @@ void AppendEquation(ZorQelString& out, const ZorWBEquation& equation) {
     if (!relation) {
         printer.Node(root);
         printer.Text(ExtremumComment(equation.GetType()));
-    } else if (root && Is(root, Type::Sum, 2) && IsNegatedShape(root->GetChild(1))) {
+    } else if (root && Is(root, Type::Sum, 2) && IsSubtractedShape(root->GetChild(1))) {
         printer.Node(root->GetChild(0));
         printer.Text(relation);
         printer.Node(root->GetChild(1), Form::Negated);

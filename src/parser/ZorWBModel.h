@@ -143,11 +143,10 @@ class ZORWBX_API ZorWBModel {
 
     // Adds one factory equation per model equation, in order and with the
     // same type, and appends each new equation id to equationIds. The root is
-    // CreateSub(left, right) (AddEquation with both terms), the left term
-    // alone for a one-term equation, and also when the right term is the
-    // integer 0 written without a unit: "e = 0;" has the root e itself, so
-    // that printed equations read back to the same roots. Stops at the first
-    // equation that cannot be converted.
+    // CreateSub(left, right) (AddEquation with both terms) whatever the right
+    // term, so "e = 0;" has the root Sum(e, 0), and the left term alone for a
+    // one-term equation. Stops at the first equation that cannot be
+    // converted.
     int FillFactory(ZorWBFactory& factory, ZorQelIntArray& equationIds, bool applyUnits = true,
                     const ZorWBVarNodeTable* variableNodes = nullptr,
                     const ZorWBVariableTable* variables = nullptr);

@@ -49,14 +49,6 @@ ZorWBValue Scale(const ZorWBValue& value, const ZorWBUnitFactor& factor) {
     return ZorWBValue(value.GetAsReal() * factor.multiplier / factor.divisor);
 }
 
-// Whether an equation's right term is the plain integer 0, which adds
-// nothing to the root.
-bool IsPlainZero(const ZorWBNode* term) {
-    if (!term || term->GetNodeKind() != ZorWBConstantNode || term->HasUnit()) return false;
-    const ZorWBValue& value = static_cast<const ZorWBConstNode*>(term)->GetValue();
-    return value.GetType() == ZorWBIntegerType && value.GetAsInteger() == 0;
-}
-
 // Operators whose operands are quantities of one kind: an ambiguous mark
 // among them reads as the kind of the others.
 bool ComparesItsOperands(Type type) {
@@ -104,12 +96,13 @@ class ZorWBModelConversion {
         _rightKind = KindOfTerm(_right);
     }
 
-    // The root that the equation gets.
+    // The root that the equation gets: the difference of its two terms
+    // (CreateSub), whatever the right one is, or its one term.
     ZorWBExpression* ConvertEquation(const ZorWBEqNode* equation) {
         ZorWBExpression* left = nullptr;
         if (Convert(equation->GetLeftTerm(), left) != ZorWBParserResult::Success) return nullptr;
         const ZorWBNode* rightTerm = equation->GetRightTerm();
-        if (!rightTerm || IsPlainZero(rightTerm)) return left;
+        if (!rightTerm) return left;
         ZorWBExpression* right = nullptr;
         if (Convert(rightTerm, right) != ZorWBParserResult::Success) return nullptr;
         ZorWBExpression* root = _factory.CreateSub(left, right);

@@ -5,6 +5,7 @@
 
 #include "ExpressionShape.h"
 #include "ParserTestSupport.h"
+#include "RandomModelText.h"
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
 #include "parser/ZorWBParserResult.h"
@@ -321,6 +322,32 @@ TEST(ZorWBModelConversion, AmbiguousMarksReadByTheirContext) {
     EXPECT_NEAR(expression->GetValue().GetAsReal(), 2 * foot, 1e-9);
 }
 
+TEST(ZorWBModelConversion, EveryTwoTermEquationHasTheDifferenceOfItsTermsAsRoot) {
+    EXPECT_EQ(RootOf("x = 0;"), "Sum(x, 0)");
+    EXPECT_EQ(RootOf("x != 0;"), "Sum(x, 0)");
+    EXPECT_EQ(RootOf("sin(x) >= 0.0;"), "Sum(Sin(x), -0.0)");
+    EXPECT_EQ(RootOf("0 = x;"), "Sum(0, Product(-1, x))");
+    // On random statements: the root is CreateSub of the two terms, each
+    // converted on its own (without units, which could read by the other
+    // side).
+    RandomModelText random(17);
+    for (int round = 0; round < 400; ++round) {
+        std::string text = random.Statement(1 + round % 3);
+        ParsedText parsed(text.c_str());
+        const ZorWBEqNode* equation = parsed.model.GetFirstEquation();
+        if (parsed.errors || !equation || !equation->GetRightTerm()) continue;
+        ZorWBFactory factory;
+        ZorQelIntArray ids;
+        if (parsed.model.FillFactory(factory, ids, false) != 0) continue;
+        ZorWBExpression *left = nullptr, *right = nullptr;
+        ASSERT_EQ(parsed.model.ConvertNodeToExpr(equation->GetLeftTerm(), factory, left, false), 0);
+        ASSERT_EQ(parsed.model.ConvertNodeToExpr(equation->GetRightTerm(), factory, right, false),
+                  0);
+        EXPECT_TRUE(factory.GetEquation(0)->GetRoot()->IsEqualTo(factory.CreateSub(left, right)))
+            << text;
+    }
+}
+
 TEST(ZorWBModelConversion, FillFactoryAddsOneEquationPerStatement) {
     Filled filled("2*x + 3*y = 12; x - y <= 1; x; x != 0; x < 1 mm; x >= 0.0; x > 0 mm;");
     ASSERT_EQ(filled.status, 0);
@@ -336,7 +363,7 @@ TEST(ZorWBModelConversion, FillFactoryAddsOneEquationPerStatement) {
     EXPECT_EQ(filled.Shape(0), "Sum(Sum(Product(2, x), Product(3, y)), -12)");
     EXPECT_EQ(filled.Shape(1), "Sum(Sum(x, Product(-1, y)), -1)");
     EXPECT_EQ(filled.Shape(2), "x");
-    EXPECT_EQ(filled.Shape(3), "x");  // a plain 0 on the right adds nothing
+    EXPECT_EQ(filled.Shape(3), "Sum(x, 0)");
     EXPECT_EQ(filled.Shape(4), "Sum(x, -1)");
     EXPECT_EQ(filled.Shape(5), "Sum(x, -0.0)");
     EXPECT_EQ(filled.Shape(6), "Sum(x, 0)");
