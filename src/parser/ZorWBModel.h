@@ -21,7 +21,10 @@ using ZorWBVarNodeTable = ZorQelArray<ZorWBVarNode*>;
 using ZorWBVariableTable = ZorQelArray<ZorWBVariable*>;
 
 // The parsed form of a text of equations: the nodes, the equations in source
-// order, the variable nodes and the black boxes declared by calls.
+// order, the variable nodes and the black boxes declared by calls. The terms
+// are trees, except that the parser makes a black-box call repeated with
+// equal arguments one node, shared by its uses (its parent is the operator
+// of its last use).
 //
 // The model owns every node it creates, for its whole life (the nodes of a
 // removed equation's terms included): destroying it frees them one by one,

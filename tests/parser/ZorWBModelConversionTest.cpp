@@ -348,6 +348,25 @@ TEST(ZorWBModelConversion, EveryTwoTermEquationHasTheDifferenceOfItsTermsAsRoot)
     }
 }
 
+TEST(ZorWBModelConversion, AMarkInARepeatedCallReadsTheContextOfEachUse) {
+    const double foot = 304.8, minute = ZorWBPi / 10800;
+    // One model node for f(3') in both equations; its mark is three feet
+    // beside a length and three arc minutes beside an angle.
+    Filled filled("y = f(3') + 1 mm; z = f(3') + 1 deg; w = f(3');");
+    ASSERT_EQ(filled.status, 0);
+    const ZorWBEqNode* first = filled.parsed.model.GetFirstEquation();
+    ASSERT_EQ(first->GetRightTerm()->GetChild(0), first->GetNext()->GetRightTerm()->GetChild(0));
+    auto mark = [&](int equation, bool inSum) {
+        // The root is name - term: Sum(name, Product(-1, term)).
+        const ZorWBExpression* term = filled.Root(equation)->GetChild(1)->GetChild(1);
+        const ZorWBExpression* call = inSum ? term->GetChild(0) : term;
+        return call->GetChild(0)->GetValue().GetAsReal();
+    };
+    EXPECT_NEAR(mark(0, true), 3 * foot, 1e-9);
+    EXPECT_NEAR(mark(1, true), 3 * minute, 1e-15);
+    EXPECT_NEAR(mark(2, false), 3 * minute, 1e-15);  // nothing decides: an angle
+}
+
 TEST(ZorWBModelConversion, FillFactoryAddsOneEquationPerStatement) {
     Filled filled("2*x + 3*y = 12; x - y <= 1; x; x != 0; x < 1 mm; x >= 0.0; x > 0 mm;");
     ASSERT_EQ(filled.status, 0);
