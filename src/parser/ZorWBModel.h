@@ -70,9 +70,12 @@ class ZORWBX_API ZorWBModel {
     void AdoptBlackBox(ZorWBBlackBox* blackBox);
 
     // Appends an equation with the next id (ids count from 0 in order of
-    // addition). The two-term form needs both terms and a relation type 1..6;
-    // the one-term form gets type 0, no right term and a new location.
-    // Null when a term is missing or the type is not a relation.
+    // addition). The two-term form needs both terms and a relation type
+    // 1..6, or a left term and an objective type (7 minimise, 8 maximise),
+    // whose right term may be null (the objective is then the left term
+    // alone, else their difference); the one-term form gets type 0, no right
+    // term and a new location. Null when a needed term is missing or the
+    // type is neither a relation nor an objective.
     ZorWBEqNode* AddEquation(const ZorWBLocation& location, ZorWBNode* left, ZorWBEquationType type,
                              ZorWBNode* right);
     ZorWBEqNode* AddEquation(ZorWBNode* term);
