@@ -543,7 +543,7 @@ void AppendEquation(ZorQelString& out, const ZorWBEquation& equation) {
         if (extremum) printer.Text("</mrow>");
     } else {
         bool negated = root && root->GetType() == Type::Sum && root->GetNbOfChildren() == 2 &&
-                       ZorWBPrintShape::IsNegatedShape(root->GetChild(1));
+                       ZorWBPrintShape::IsSubtractedShape(root->GetChild(1));
         printer.Text("<mrow>");
         printer.Element(negated ? root->GetChild(0) : root);
         printer.Text("<mo>");

@@ -208,7 +208,8 @@ class Printer {
         }
     }
 
-    // The negation of a negated shape, without its minus sign.
+    // The negation of a negated shape, without its minus sign; also of a
+    // subtracted shape led by a positive number, with a minus sign.
     void ExpandNegated(const ZorWBExpression* e) {
         if (IsConstant(e)) {
             ZorWBAppendNegatedText(_out, e->GetExprValue());
@@ -315,7 +316,7 @@ void AppendEquation(ZorQelString& out, const ZorWBEquation& equation) {
     if (!relation) {
         printer.Node(root);
         printer.Text(ExtremumComment(equation.GetType()));
-    } else if (root && Is(root, Type::Sum, 2) && Shape::IsNegatedShape(root->GetChild(1))) {
+    } else if (root && Is(root, Type::Sum, 2) && Shape::IsSubtractedShape(root->GetChild(1))) {
         printer.Node(root->GetChild(0));
         printer.Text(relation);
         printer.Node(root->GetChild(1), Form::Negated);

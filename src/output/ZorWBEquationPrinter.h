@@ -27,10 +27,13 @@ class ZorWBFactory;
 //   calls; IfThenElse as "if (c) then (a) else (b)", its condition made of
 //   ==, !=, <=, > (Not(LessEqual(a, b)) is "a > b"), "!(...)" around a
 //   comparison, and "and" / "or" grouping from the left.
-// An equation is written "left REL right;": a root Sum(A, B) whose B is one
-// of the negated shapes above as "A REL -B;" (so "x - 5" with "=" is
-// "x = 5;"), any other root as "root REL 0;" (both read back to the same
-// root), a root without relation as "root;", and minimise and maximise as
+// An equation is written "left REL right;", which reads back to the root
+// CreateSub(left, right): a root Sum(A, B) whose B is a number, or a product
+// or quotient led by a number, as "A REL -B;" (Sum(x, -5) with "=" as
+// "x = 5;", Sum(x, 3) as "x = -3;", Sum(x, 0) as "x = 0;",
+// Sum(x, Product(-1, y)) as "x = y;"), reading back to the same root; any
+// other root R as "R REL 0;", which reads back as Sum(R, 0), equal in value.
+// A root without relation is written "root;", and minimise and maximise as
 // "root; /* minimize */" and "root; /* maximize */". A factory is written
 // one equation a line.
 //

@@ -2,6 +2,8 @@
 
 #include <memory>
 #include <new>
+#include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "expressions/ZorWBBlackBoxOperator.h"
@@ -127,6 +129,25 @@ ZorQelString ZorWBEquations::ValueToString(const ZorWBValue& value, int version)
 
 // ------------------------------------------------------------ writing
 
+class ZorWBEquations::VariableNames {
+  public:
+    explicit VariableNames(const ZorWBFactory& factory) : _factory(factory) {}
+
+    bool Contains(const ZorQelString& text) {
+        if (!_gathered) {
+            for (int i = 0; i < _factory.GetNbOfVariables(); ++i)
+                _names.insert(_factory.GetVariable(i)->GetName().GetStdString());
+            _gathered = true;
+        }
+        return _names.count(text.GetStdString()) != 0;
+    }
+
+  private:
+    const ZorWBFactory& _factory;
+    std::unordered_set<std::string> _names;
+    bool _gathered = false;
+};
+
 void ZorWBEquations::Write(ZorQelStream& stream, bool functional) const {
     WriteVariables(stream);
     WriteEquations(stream, functional);
@@ -151,12 +172,13 @@ void ZorWBEquations::WriteVariables(ZorQelStream& stream) const {
     stream.GetStorage().AddSection("#!VARIABLES", Count(count), body, _part, 0);
 }
 
-ZorQelString ZorWBEquations::EquationLine(ZorWBEquation* equation, bool functional) const {
+ZorQelString ZorWBEquations::EquationLine(ZorWBEquation* equation, bool functional,
+                                          VariableNames& names) const {
     ZorQelString line("eq");
     line.AppendInt(equation->GetId())
         .Append(EquationTypeToString(equation->GetType()))
         .AppendChar(' ');
-    std::unique_ptr<ZorQelExpressionTerm> term(CreateTerm(equation->GetRoot(), functional));
+    std::unique_ptr<ZorQelExpressionTerm> term(CreateTerm(equation->GetRoot(), functional, names));
     // Without a term the line stays open, as the replay format has it.
     if (term) line.Append(term->ToString(functional)).Append(";\n");
     return line;
@@ -166,9 +188,10 @@ void ZorWBEquations::WriteEquations(ZorQelStream& stream, bool functional) const
     int count = _factory->GetNbOfEquations();
     if (count == 0) return;
     ZorQelString body;
+    VariableNames names(*_factory);
     for (ZorWBEquation* equation = _factory->GetNextEquation(nullptr); equation;
          equation = _factory->GetNextEquation(equation))
-        body.Append(EquationLine(equation, functional));
+        body.Append(EquationLine(equation, functional, names));
     stream.GetStorage().AddSection("#!EQUATIONS", Count(count), body, _part, 0);
 }
 
@@ -227,24 +250,40 @@ ZorQelString PredefinedName(ZorWBPredefinedConst index) {
     }
 }
 
-// Builds the term of one node; its operands are added by CreateTerm.
+// The term of a constant: its predefined name, its value text, or the name
+// of its fraction (a leaf, or the Frac call).
+ZorQelExpressionTerm* ConstantTerm(const ZorWBFactory& factory, const ZorWBExpression* node,
+                                   int version) {
+    ZorWBPredefinedConst index;
+    if (factory.IsPredefinedConstant(static_cast<const ZorWBConstant*>(node), index) &&
+        !PredefinedName(index).IsEmpty())
+        return ZorQelExpressionTerm::CreateLeaf(PredefinedName(index));
+    const ZorWBValue& value = node->GetValue();
+    if (value.GetType() != ZorWBFractionType)
+        return ZorQelExpressionTerm::CreateLeaf(ZorWBValueText::Write(value, true));
+    return ZorQelExpressionTerm::Parse(
+        ZorWBEquations::FractionToName(value.GetAsFraction(), version));
+}
+
+// Builds the term of one node; its operands are added by CreateTerm. A
+// constant leaf that isName would read as a variable gets brackets until it
+// does not.
+template <class IsName>
 ZorQelExpressionTerm* MakeNodeTerm(const ZorWBFactory& factory, const ZorWBExpression* node,
-                                   int version, bool functional) {
+                                   int version, bool functional, IsName&& isName) {
     ZorWBExpressionType type = node->GetType();
     if (type == ZorWBExpressionType::Variable) {
         auto* variable = const_cast<ZorWBVariable*>(static_cast<const ZorWBVariable*>(node));
         return ZorQelExpressionTerm::CreateLeaf(variable->GetName());
     }
     if (type == ZorWBExpressionType::Constant) {
-        ZorWBPredefinedConst index;
-        if (factory.IsPredefinedConstant(static_cast<const ZorWBConstant*>(node), index) &&
-            !PredefinedName(index).IsEmpty())
-            return ZorQelExpressionTerm::CreateLeaf(PredefinedName(index));
-        const ZorWBValue& value = node->GetValue();
-        if (value.GetType() != ZorWBFractionType)
-            return ZorQelExpressionTerm::CreateLeaf(ZorWBValueText::Write(value, true));
-        ZorQelString name = ZorWBEquations::FractionToName(value.GetAsFraction(), version);
-        return ZorQelExpressionTerm::Parse(name);
+        std::unique_ptr<ZorQelExpressionTerm> term(ConstantTerm(factory, node, version));
+        if (!term || !term->IsLeaf() || !isName(term->GetText())) return term.release();
+        ZorQelString text = term->GetText();
+        do {
+            text = ZorQelString("(") + text + ")";
+        } while (isName(text));
+        return ZorQelExpressionTerm::CreateLeaf(text);
     }
     const ZorWBExpressionTypeInfo* info = ZorWBGetExpressionTypeInfo(type);
     if (!info || info->family == ZorWBNodeFamily::NoNode) return nullptr;
@@ -280,7 +319,14 @@ bool AddTailLeaves(ZorQelExpressionTerm* term, const ZorWBExpression* node) {
 }  // namespace
 
 ZorQelExpressionTerm* ZorWBEquations::CreateTerm(const ZorWBExpression* e, bool functional) const {
+    VariableNames names(*_factory);
+    return CreateTerm(e, functional, names);
+}
+
+ZorQelExpressionTerm* ZorWBEquations::CreateTerm(const ZorWBExpression* e, bool functional,
+                                                 VariableNames& names) const {
     if (!e || !ZorWBGraphWalk::IsUnfoldable(e)) return nullptr;
+    auto isName = [&names](const ZorQelString& text) { return names.Contains(text); };
     // Each frame is a node whose term is made and whose operands are being
     // added in order; a shared node is expanded at each use.
     struct Frame {
@@ -288,7 +334,8 @@ ZorQelExpressionTerm* ZorWBEquations::CreateTerm(const ZorWBExpression* e, bool 
         ZorQelExpressionTerm* term;
         int next;
     };
-    std::unique_ptr<ZorQelExpressionTerm> root(MakeNodeTerm(*_factory, e, _version, functional));
+    std::unique_ptr<ZorQelExpressionTerm> root(
+        MakeNodeTerm(*_factory, e, _version, functional, isName));
     if (!root) return nullptr;
     try {
         std::vector<Frame> stack{{e, root.get(), 0}};
@@ -302,7 +349,7 @@ ZorQelExpressionTerm* ZorWBEquations::CreateTerm(const ZorWBExpression* e, bool 
             }
             const ZorWBExpression* child = frame.node->GetChild(frame.next++);
             ZorQelExpressionTerm* term =
-                child ? MakeNodeTerm(*_factory, child, _version, functional) : nullptr;
+                child ? MakeNodeTerm(*_factory, child, _version, functional, isName) : nullptr;
             if (!term) return nullptr;
             frame.term->AddChild(term);
             if (!AddHeadLeaves(term, child)) return nullptr;

@@ -48,12 +48,16 @@ class ZorWBFactory;
 //   black-box call        Bbx(name, argument, ...) with the black box's name
 //   any other operator    its parse name over its children's terms
 // A shared node is written once per use. Reading maps a leaf to the variable
-// of that name first, then to a constant; a black box is looked up by name
-// in the factory and, when missing, declared as an internal ZorWBBBx of that
-// name (which evaluates to NaN until the host replaces it).
+// of that name first, then to a constant; so a constant whose text is the
+// name of a variable of the factory ("inf", "True", "Pi") is written in
+// brackets, "(inf)" (again in brackets while that too is a name), and
+// reading a leaf that is no variable and no constant text drops its outer
+// brackets. A black box is looked up by name in the factory and, when
+// missing, declared as an internal ZorWBBBx of that name (which evaluates
+// to NaN until the host replaces it).
 //
-// Names that contain ";", line ends, commas or brackets, that begin or end
-// with a blank, and variables named like a constant text, do not read back.
+// Names that contain ";", line ends, commas or brackets, or that begin or
+// end with a blank, do not read back.
 class ZORWBX_API ZorWBEquations : public ZorQelOperator {
   public:
     ZorWBEquations(ZorWBFactory& factory, ZorQelStorage::ReplayPart part, int version);
@@ -171,7 +175,12 @@ class ZORWBX_API ZorWBEquations : public ZorQelOperator {
     static constexpr int FractionTypeNumber = 48;
 
   private:
-    ZorQelString EquationLine(ZorWBEquation* equation, bool functional) const;
+    // The names of the factory's variables, gathered when first needed.
+    class VariableNames;
+
+    ZorQelExpressionTerm* CreateTerm(const ZorWBExpression* e, bool functional,
+                                     VariableNames& names) const;
+    ZorQelString EquationLine(ZorWBEquation* equation, bool functional, VariableNames& names) const;
 
     ZorQelIntArray _listEqToSimplify;
     ZorWBFactory* _factory;

@@ -1,6 +1,7 @@
 // Reading replay sections back into a factory: terms into nodes, and the
 // sections of a whole equation system.
 
+#include <algorithm>
 #include <memory>
 #include <new>
 #include <string>
@@ -47,6 +48,7 @@ class TermBuilder {
     }
     bool MakeFrame(const ZorQelExpressionTerm* term, Frame& frame) const;
     ZorWBExpression* BuildLeaf(const ZorQelString& text);
+    ZorWBExpression* BuildConstant(const ZorQelString& text);
     ZorWBExpression* BuildFraction(const ZorQelExpressionTerm* term);
     ZorWBExpression* BuildOperator(const Frame& frame);
     ZorWBExpression* BuildStep(const Frame& frame);
@@ -83,9 +85,45 @@ bool TermBuilder::MakeFrame(const ZorQelExpressionTerm* term, Frame& frame) cons
     return true;
 }
 
+// The number of brackets that enclose the whole text: 2 for "((x))", 0 for
+// "(a)(b)". One pass: the bracket opened at position p of the leading run
+// closes where the depth first falls back to p.
+std::size_t WholeBracketLayers(const std::string& text) {
+    std::size_t lead = std::min(text.find_first_not_of('('), text.size());
+    std::vector<std::size_t> closing(lead, std::string::npos);
+    std::size_t depth = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '(') {
+            ++depth;
+        } else if (text[i] == ')' && depth > 0) {
+            --depth;
+            if (depth < lead && closing[depth] == std::string::npos) closing[depth] = i;
+        }
+    }
+    std::size_t layers = 0;
+    while (layers < lead && closing[layers] == text.size() - 1 - layers)
+        ++layers;
+    return layers;
+}
+
 ZorWBExpression* TermBuilder::BuildLeaf(const ZorQelString& text) {
     auto found = _variables.find(text.GetStdString());
     if (found != _variables.end()) return found->second;
+    if (ZorWBExpression* constant = BuildConstant(text)) return constant;
+    // A constant written in brackets so as not to read as a variable: its
+    // text is inside the whole brackets, with at most one pair of its own
+    // ("(-3)").
+    const std::string& written = text.GetStdString();
+    std::size_t layers = WholeBracketLayers(written);
+    for (std::size_t strip = layers > 1 ? layers - 1 : layers; strip >= 1 && strip <= layers;
+         ++strip) {
+        std::string inner = written.substr(strip, written.size() - 2 * strip);
+        if (ZorWBExpression* constant = BuildConstant(inner)) return constant;
+    }
+    return nullptr;
+}
+
+ZorWBExpression* TermBuilder::BuildConstant(const ZorQelString& text) {
     if (text == "Pi") return _factory.CreateConstantPi();
     if (text == "DTOR") return _factory.CreateConstantDTOR();
     if (text == "RTOD") return _factory.CreateConstantRTOD();

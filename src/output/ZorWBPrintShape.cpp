@@ -77,6 +77,15 @@ bool ZorWBPrintShape::IsNegatedShape(const ZorWBExpression* e) {
     return (product || quotient) && IsNegativeConstant(e->GetChild(0));
 }
 
+bool ZorWBPrintShape::IsSubtractedShape(const ZorWBExpression* e) {
+    bool product = e->GetType() == Type::Product && Count(e) >= 2;
+    bool quotient = Is(e, Type::Quotient, 2);
+    const ZorWBExpression* number = product || quotient ? e->GetChild(0) : e;
+    if (!IsConstant(number)) return false;
+    ZorWBValueType kind = number->GetExprValue().GetType();
+    return kind == ZorWBIntegerType || kind == ZorWBRealType;
+}
+
 Binding ZorWBPrintShape::BindingOf(const ZorWBExpression* e) {
     if (IsNegativeConstant(e) || e->GetType() == Type::UnaryMinus) return Binding::Unary;
     if (!IsInfix(e)) return Binding::Primary;

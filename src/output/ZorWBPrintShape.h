@@ -27,6 +27,10 @@ class ZORWBX_API ZorWBPrintShape {
     // product led by a negative constant, a quotient of a negative constant.
     // In a sum they are written after a minus.
     static bool IsNegatedShape(const ZorWBExpression* e);
+    // The shapes that CreateSub(a, b) makes of a number or of a product or
+    // quotient led by one, whatever its sign: an equation root Sum(A, B) with
+    // such a B reads back from "A REL b", b written as the negation of B.
+    static bool IsSubtractedShape(const ZorWBExpression* e);
     // How tightly the printed form of e binds: a negative number, a unary
     // minus and a plain negation as Unary, the infix operators by their
     // type, everything else Primary.

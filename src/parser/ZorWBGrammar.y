@@ -136,15 +136,14 @@ ZorWBNode* TimesPi(ZorWBModel& model, const ZORWB_YYLTYPE& location, ZorWBNode* 
 }
 
 // A call of a function the library does not know: a black-box node. A call
-// equal to an earlier one (same name, equal arguments) calls the same black
-// box through a node of its own, so that the model stays a tree; otherwise
-// a new black box named after the function is declared.
+// equal to an earlier one (same name, equal arguments) is that call's node
+// itself, shared by both uses; otherwise a new black box named after the
+// function is declared.
 ZorWBNode* BlackBoxCall(ZorWBModel& model, ZorQelListPZorWBBlackBox* blackBoxes,
                         const ZORWB_YYLTYPE& location, const char* name,
                         const ZorWBNodeList* arguments) {
     if (!name || !IsComplete(arguments)) return nullptr;
-    if (ZorWBOpNode* known = model.GetBBxOp(name, *arguments))
-        return model.DeclareBlackBox(At(location), known->GetBlackBox(), *arguments);
+    if (ZorWBOpNode* known = model.GetBBxOp(name, *arguments)) return known;
     ZorWBBBx* blackBox = new (std::nothrow) ZorWBBBx(ZorQelString(name));
     if (!blackBox) return nullptr;
     ZorWBOpNode* call = model.DeclareBlackBox(At(location), blackBox, *arguments);
@@ -158,6 +157,26 @@ ZorWBNode* BlackBoxCall(ZorWBModel& model, ZorQelListPZorWBBlackBox* blackBoxes,
     }
     if (!handed) model.AdoptBlackBox(blackBox);
     return call;
+}
+
+// (e) unit: the unit goes on the node of e. A black-box call's node may be
+// shared by other uses of the call, which the unit must not reach: the unit
+// goes on a call node of its own, over the same arguments.
+ZorWBNode* WithUnit(ZorWBModel& model, ZorWBNode* node, const ZORWB_YYLTYPE& unitLocation,
+                    const char* unit) {
+    if (!node || !unit) return node;
+    if (node->IsOperator() && !node->HasUnit()) {
+        auto* call = static_cast<ZorWBOpNode*>(node);
+        if (call->GetType() == ZorWBExpressionType::BlackBox) {
+            ZorWBNodeList arguments;
+            for (int i = 0; i < call->GetNbOfChildren(); ++i)
+                arguments.Add(call->GetChild(i));
+            node = model.DeclareBlackBox(call->GetLocation(), call->GetBlackBox(), arguments);
+            if (!node) return nullptr;
+        }
+    }
+    node->SetUnitData(At(unitLocation), unit);
+    return node;
 }
 
 }  // namespace
@@ -322,8 +341,7 @@ expression:
         }
   | "left bracket" expression "right bracket" "identifier"
         {
-            $$ = $2;
-            if ($$ && $4) $$->SetUnitData(At(@4), $4);
+            $$ = WithUnit(model, $2, @4, $4);
             delete[] $4;
         }
   | "left bracket" expression "right bracket" "Pi" "identifier"

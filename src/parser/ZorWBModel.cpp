@@ -200,7 +200,9 @@ ZorWBEqNode* ZorWBModel::Append(ZorWBEqNode* equation) {
 
 ZorWBEqNode* ZorWBModel::AddEquation(const ZorWBLocation& location, ZorWBNode* left,
                                      ZorWBEquationType type, ZorWBNode* right) {
-    if (!left || !right || type < ZorWBEqualZero || type > ZorWBGreaterZero) return nullptr;
+    bool relation = type >= ZorWBEqualZero && type <= ZorWBGreaterZero;
+    bool objective = type == ZorWBMinimize || type == ZorWBMaximize;
+    if (!left || !(relation ? right != nullptr : objective)) return nullptr;
     return Append(new (std::nothrow)
                       ZorWBEqNode(location, &_environment, left, type, right, _nextEquationId));
 }

@@ -21,7 +21,10 @@ using ZorWBVarNodeTable = ZorQelArray<ZorWBVarNode*>;
 using ZorWBVariableTable = ZorQelArray<ZorWBVariable*>;
 
 // The parsed form of a text of equations: the nodes, the equations in source
-// order, the variable nodes and the black boxes declared by calls.
+// order, the variable nodes and the black boxes declared by calls. The terms
+// are trees, except that the parser makes a black-box call repeated with
+// equal arguments one node, shared by its uses (its parent is the operator
+// of its last use).
 //
 // The model owns every node it creates, for its whole life (the nodes of a
 // removed equation's terms included): destroying it frees them one by one,
@@ -67,9 +70,12 @@ class ZORWBX_API ZorWBModel {
     void AdoptBlackBox(ZorWBBlackBox* blackBox);
 
     // Appends an equation with the next id (ids count from 0 in order of
-    // addition). The two-term form needs both terms and a relation type 1..6;
-    // the one-term form gets type 0, no right term and a new location.
-    // Null when a term is missing or the type is not a relation.
+    // addition). The two-term form needs both terms and a relation type
+    // 1..6, or a left term and an objective type (7 minimise, 8 maximise),
+    // whose right term may be null (the objective is then the left term
+    // alone, else their difference); the one-term form gets type 0, no right
+    // term and a new location. Null when a needed term is missing or the
+    // type is neither a relation nor an objective.
     ZorWBEqNode* AddEquation(const ZorWBLocation& location, ZorWBNode* left, ZorWBEquationType type,
                              ZorWBNode* right);
     ZorWBEqNode* AddEquation(ZorWBNode* term);
@@ -143,11 +149,10 @@ class ZORWBX_API ZorWBModel {
 
     // Adds one factory equation per model equation, in order and with the
     // same type, and appends each new equation id to equationIds. The root is
-    // CreateSub(left, right) (AddEquation with both terms), the left term
-    // alone for a one-term equation, and also when the right term is the
-    // integer 0 written without a unit: "e = 0;" has the root e itself, so
-    // that printed equations read back to the same roots. Stops at the first
-    // equation that cannot be converted.
+    // CreateSub(left, right) (AddEquation with both terms) whatever the right
+    // term, so "e = 0;" has the root Sum(e, 0), and the left term alone for a
+    // one-term equation. Stops at the first equation that cannot be
+    // converted.
     int FillFactory(ZorWBFactory& factory, ZorQelIntArray& equationIds, bool applyUnits = true,
                     const ZorWBVarNodeTable* variableNodes = nullptr,
                     const ZorWBVariableTable* variables = nullptr);

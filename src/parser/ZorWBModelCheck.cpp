@@ -31,8 +31,9 @@ int ZorWBModelCheck::Run() {
     return _reported ? ZorWBParserResult::Failure : ZorWBParserResult::Success;
 }
 
-void ZorWBModelCheck::Report(const ZorWBLocation& location, const char* message) {
-    if (!_messenger) return;
+void ZorWBModelCheck::Report(const ZorWBNode& node, const ZorWBLocation& location,
+                             const char* message) {
+    if (!_messenger || !_told.emplace(&node, message).second) return;
     _messenger->ReportError(&location, message);
     ++_reported;
 }
@@ -44,7 +45,7 @@ ZorWBUnitKind ZorWBModelCheck::KindOf(const ZorWBNode* node) const {
 
 void ZorWBModelCheck::CheckUnitName(const ZorWBNode& node) {
     if (node.HasUnit() && node.GetUnitKindCode() == ZorWBUnitKind::None)
-        Report(node.GetUnitLocation(), UnknownUnit);
+        Report(node, node.GetUnitLocation(), UnknownUnit);
 }
 
 void ZorWBModelCheck::CheckAmbiguousPi(const ZorWBNode* node) {
@@ -53,7 +54,7 @@ void ZorWBModelCheck::CheckAmbiguousPi(const ZorWBNode* node) {
     ZorWBUnitKind unit = node->GetUnitKindCode();
     bool angleOtherThanRadian = unit == ZorWBUnitKind::Angle && node->GetUnitName() != "rad";
     if (angleOtherThanRadian || unit == ZorWBUnitKind::Ambiguous)
-        Report(node->GetUnitLocation(), AmbiguousPi);
+        Report(*node, node->GetUnitLocation(), AmbiguousPi);
 }
 
 int ZorWBModelCheck::VisitConstant(ZorWBConstNode& node) {
@@ -64,12 +65,12 @@ int ZorWBModelCheck::VisitConstant(ZorWBConstNode& node) {
 int ZorWBModelCheck::VisitVariable(ZorWBVarNode& node) {
     const ZorQelString& name = node.GetName();
     if (name.IsEmpty() || name.GetAt(0) == '\'' || name.GetAt(0) == '"')
-        Report(node.GetLocation(), UnknownVariableName);
+        Report(node, node.GetLocation(), UnknownVariableName);
     CheckUnitName(node);
     ZorWBUnitKind unit = node.GetUnitKindCode();
     if (!IsDefinite(unit)) return 0;
     auto known = _variableKinds.emplace(name.GetStdString(), unit).first;
-    if (known->second != unit) Report(node.GetUnitLocation(), InconsistentUnit);
+    if (known->second != unit) Report(node, node.GetUnitLocation(), InconsistentUnit);
     return 0;
 }
 
@@ -83,9 +84,9 @@ int ZorWBModelCheck::VisitOperator(ZorWBOpNode& node) {
         CheckAmbiguousPi(child);
     }
     if (!complete)
-        Report(node.GetLocation(), UnitComputationNotAvailable);
+        Report(node, node.GetLocation(), UnitComputationNotAvailable);
     else if (KindOf(&node) == ZorWBUnitKind::Inhomogeneous && !clashBelow)
-        Report(node.GetLocation(), InconsistentUnit);
+        Report(node, node.GetLocation(), InconsistentUnit);
     return 0;
 }
 
@@ -107,7 +108,7 @@ int ZorWBModelCheck::VisitEquation(ZorWBEqNode& node) {
         left != nullptr, leftKind, leftConstant, right != nullptr, rightKind, rightConstant);
     if (judgement == ZorWBParserResult::NotApplicable && !IsUnjudgeable(leftKind) &&
         !IsUnjudgeable(rightKind))
-        Report(node.GetLocation(), InconsistentUnit);
+        Report(node, node.GetLocation(), InconsistentUnit);
     _kinds.clear();
     return 0;
 }
@@ -115,5 +116,6 @@ int ZorWBModelCheck::VisitEquation(ZorWBEqNode& node) {
 int ZorWBModelCheck::VisitModel(ZorWBModel& model) {
     _reported = 0;
     _variableKinds.clear();
+    _told.clear();
     return ZorWBVisitor::VisitModel(model);
 }

@@ -1,8 +1,10 @@
 #ifndef ZORWB_MODELCHECK_H
 #define ZORWB_MODELCHECK_H
 
+#include <set>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 #include "ZorWBxExport.h"
 #include "parser/ZorWBModelHomogeneity.h"
@@ -31,6 +33,8 @@ class ZorWBParserMessenger;
 //   ambiguous unit ("2 Pi deg": 2 Pi degrees or 2 Pi radians?) gives
 //   "semantic error, ambiguous Pi" at that unit (a term of an equation that
 //   is such a Pi is told by the equation);
+// - a node shared by several uses (a repeated black-box call) is visited at
+//   each use, and each of its problems is told once;
 // - equations: the equation judgement (ZorWBModelHomogeneity) is reported as
 //   "semantic error, inconsistent unit" at the equation only when it rests
 //   on known kinds: a side whose kind is Unsolved cannot be judged (any
@@ -54,7 +58,8 @@ class ZORWBX_API ZorWBModelCheck : public ZorWBVisitor {
     int VisitModel(ZorWBModel& model) override;
 
   private:
-    void Report(const ZorWBLocation& location, const char* message);
+    // Reports a problem of a node at a location, once per node and message.
+    void Report(const ZorWBNode& node, const ZorWBLocation& location, const char* message);
     void CheckUnitName(const ZorWBNode& node);
     void CheckAmbiguousPi(const ZorWBNode* node);
     ZorWBUnitKind KindOf(const ZorWBNode* node) const;
@@ -63,6 +68,7 @@ class ZORWBX_API ZorWBModelCheck : public ZorWBVisitor {
     ZorWBParserMessenger* _messenger;
     ZorWBModelHomogeneity::NodeKinds _kinds;  // of the equation being visited
     std::unordered_map<std::string, ZorWBUnitKind> _variableKinds;
+    std::set<std::pair<const ZorWBNode*, const char*>> _told;
     int _reported = 0;
 };
 

@@ -49,14 +49,6 @@ ZorWBValue Scale(const ZorWBValue& value, const ZorWBUnitFactor& factor) {
     return ZorWBValue(value.GetAsReal() * factor.multiplier / factor.divisor);
 }
 
-// Whether an equation's right term is the plain integer 0, which adds
-// nothing to the root.
-bool IsPlainZero(const ZorWBNode* term) {
-    if (!term || term->GetNodeKind() != ZorWBConstantNode || term->HasUnit()) return false;
-    const ZorWBValue& value = static_cast<const ZorWBConstNode*>(term)->GetValue();
-    return value.GetType() == ZorWBIntegerType && value.GetAsInteger() == 0;
-}
-
 // Operators whose operands are quantities of one kind: an ambiguous mark
 // among them reads as the kind of the others.
 bool ComparesItsOperands(Type type) {
@@ -97,53 +89,31 @@ class ZorWBModelConversion {
     // the ambiguous marks that nothing inside a term decides.
     void BeginEquation(const ZorWBEqNode* equation) {
         _kinds.clear();
-        _contextAbove.clear();
-        _left = equation->GetLeftTerm();
-        _right = equation->GetRightTerm();
-        _leftKind = KindOfTerm(_left);
-        _rightKind = KindOfTerm(_right);
+        _leftKind = KindOfTerm(equation->GetLeftTerm());
+        _rightKind = KindOfTerm(equation->GetRightTerm());
     }
 
-    // The root that the equation gets.
+    // The root that the equation gets: the difference of its two terms
+    // (CreateSub), whatever the right one is, or its one term.
     ZorWBExpression* ConvertEquation(const ZorWBEqNode* equation) {
         ZorWBExpression* left = nullptr;
-        if (Convert(equation->GetLeftTerm(), left) != ZorWBParserResult::Success) return nullptr;
+        if (ConvertTerm(equation->GetLeftTerm(), _rightKind, left) != ZorWBParserResult::Success)
+            return nullptr;
         const ZorWBNode* rightTerm = equation->GetRightTerm();
-        if (!rightTerm || IsPlainZero(rightTerm)) return left;
+        if (!rightTerm) return left;
         ZorWBExpression* right = nullptr;
-        if (Convert(rightTerm, right) != ZorWBParserResult::Success) return nullptr;
+        if (ConvertTerm(rightTerm, _leftKind, right) != ZorWBParserResult::Success) return nullptr;
         ZorWBExpression* root = _factory.CreateSub(left, right);
         if (!root) Fail(equation);
         return root;
     }
 
+    // A subtree on its own: its marks read within the term that holds it.
     int Convert(const ZorWBNode* root, ZorWBExpression*& result) {
         result = nullptr;
         if (root && root->GetNodeKind() == ZorWBEquationNode)
             return ZorWBParserResult::NotApplicable;
-        if (!root) return Fail(root);
-        struct Frame {
-            const ZorWBNode* node;
-            int next;
-        };
-        std::vector<Frame> pending{{root, 0}};
-        std::vector<ZorWBExpression*> made;
-        while (!pending.empty()) {
-            Frame& frame = pending.back();
-            const ZorWBNode* node = frame.node;
-            if (node->IsOperator() && frame.next < node->GetNbOfChildren()) {
-                const ZorWBNode* child = node->GetChild(frame.next++);
-                if (!child || child->GetNodeKind() == ZorWBEquationNode) return Fail(node);
-                pending.push_back({child, 0});
-                continue;
-            }
-            pending.pop_back();
-            ZorWBExpression* expression = Make(node, made);
-            if (!expression) return Fail(node);
-            made.push_back(expression);
-        }
-        result = made.back();
-        return ZorWBParserResult::Success;
+        return ConvertTerm(root, root ? ContextAboveSubtree(root) : ZorWBUnitKind::None, result);
     }
 
     int ConvertVariable(const ZorWBVarNode* node, ZorWBVariable*& result) {
@@ -157,6 +127,44 @@ class ZorWBModelConversion {
     }
 
   private:
+    // A node being converted, with the kind that an ambiguous mark below it
+    // takes when nothing at or below its level decides (found once).
+    struct Frame {
+        const ZorWBNode* node;
+        int next;
+        bool contextKnown;
+        ZorWBUnitKind context;
+    };
+
+    // Converts the tree below root, walking it with an explicit stack: the
+    // frames above the node being made are its ancestors in this use, also
+    // when the node is shared (a repeated black-box call), so that its
+    // ambiguous marks read the context of each use. A mark that nothing in
+    // the tree decides takes the kind rootContext, or is an angle.
+    int ConvertTerm(const ZorWBNode* root, ZorWBUnitKind rootContext, ZorWBExpression*& result) {
+        result = nullptr;
+        if (!root || root->GetNodeKind() == ZorWBEquationNode) return Fail(root);
+        _rootContext = IsDefinite(rootContext) ? rootContext : ZorWBUnitKind::Angle;
+        _path.assign(1, Frame{root, 0, false, ZorWBUnitKind::None});
+        std::vector<ZorWBExpression*> made;
+        while (!_path.empty()) {
+            Frame& frame = _path.back();
+            const ZorWBNode* node = frame.node;
+            if (node->IsOperator() && frame.next < node->GetNbOfChildren()) {
+                const ZorWBNode* child = node->GetChild(frame.next++);
+                if (!child || child->GetNodeKind() == ZorWBEquationNode) return Fail(node);
+                _path.push_back({child, 0, false, ZorWBUnitKind::None});
+                continue;
+            }
+            _path.pop_back();
+            ZorWBExpression* expression = Make(node, made);
+            if (!expression) return Fail(node);
+            made.push_back(expression);
+        }
+        result = made.back();
+        return ZorWBParserResult::Success;
+    }
+
     // The expression of a node whose children are the last entries of made
     // (which it takes off).
     ZorWBExpression* Make(const ZorWBNode* node, std::vector<ZorWBExpression*>& made) {
@@ -310,29 +318,40 @@ class ZorWBModelConversion {
         return known == _kinds.end() ? ZorWBUnitKind::None : known->second;
     }
 
-    // The kind that an ambiguous mark on node takes, found walking up (see
-    // the conversion notes in ZorWBModel.h). What is found from a node
-    // upward is remembered for every node on the way, so that the marks of a
+    // The kind that an ambiguous mark on node, the node being made, takes:
+    // walking up its ancestors in this use (see the conversion notes in
+    // ZorWBModel.h), the first definite kind beside it decides. What is
+    // found for an ancestor is kept in its frame, so that the marks of a
     // long chain are decided in linear time.
     ZorWBUnitKind MarkContext(const ZorWBNode* node) {
-        std::vector<const ZorWBNode*> path;
-        ZorWBUnitKind decided = ZorWBUnitKind::Angle;
-        for (const ZorWBNode* current = node;; current = current->GetParentNode()) {
-            auto known = _contextAbove.find(current);
-            if (known != _contextAbove.end()) {
-                decided = known->second;
+        if (_path.empty()) return _rootContext;
+        ZorWBUnitKind beside = KindBeside(*_path.back().node, node);
+        return IsDefinite(beside) ? beside : ContextOfAncestor(_path.size() - 1);
+    }
+
+    // The context of the ancestor at a level of the path: the kind beside
+    // the first ancestor at or above it that has a definite one, or the
+    // root's context.
+    ZorWBUnitKind ContextOfAncestor(std::size_t level) {
+        std::size_t top = level;
+        ZorWBUnitKind decided = _rootContext;
+        for (;; --top) {
+            const Frame& frame = _path[top];
+            if (frame.contextKnown) {
+                decided = frame.context;
                 break;
             }
-            path.push_back(current);
-            const ZorWBNode* parent = current->GetParentNode();
-            ZorWBUnitKind found = parent ? KindBeside(*parent, current) : KindAcross(current);
-            if (!parent || IsDefinite(found)) {
-                if (IsDefinite(found)) decided = found;
+            if (top == 0) break;
+            ZorWBUnitKind beside = KindBeside(*_path[top - 1].node, frame.node);
+            if (IsDefinite(beside)) {
+                decided = beside;
                 break;
             }
         }
-        for (const ZorWBNode* visited : path)
-            _contextAbove[visited] = decided;
+        for (std::size_t i = top; i <= level; ++i) {
+            _path[i].contextKnown = true;
+            _path[i].context = decided;
+        }
         return decided;
     }
 
@@ -352,10 +371,15 @@ class ZorWBModelConversion {
         return ZorWBUnitKind::None;
     }
 
-    // For the top of a term: the kind of the equation's other term.
-    ZorWBUnitKind KindAcross(const ZorWBNode* term) const {
-        if (term == _left) return _rightKind;
-        if (term == _right) return _leftKind;
+    // For a subtree converted on its own, the context above it: the first
+    // definite kind beside it walking up through its parents within its
+    // term (the other side of its equation is not looked at).
+    ZorWBUnitKind ContextAboveSubtree(const ZorWBNode* root) {
+        for (const ZorWBNode* current = root; current->GetParentNode();
+             current = current->GetParentNode()) {
+            ZorWBUnitKind beside = KindBeside(*current->GetParentNode(), current);
+            if (IsDefinite(beside)) return beside;
+        }
         return ZorWBUnitKind::None;
     }
 
@@ -378,11 +402,11 @@ class ZorWBModelConversion {
     bool _namesIndexed = false;
 
     ZorWBModelHomogeneity::NodeKinds _kinds;
-    std::unordered_map<const ZorWBNode*, ZorWBUnitKind> _contextAbove;
-    const ZorWBNode* _left = nullptr;
-    const ZorWBNode* _right = nullptr;
     ZorWBUnitKind _leftKind = ZorWBUnitKind::None;
     ZorWBUnitKind _rightKind = ZorWBUnitKind::None;
+    // The ancestors of the node being made, and the context above them.
+    std::vector<Frame> _path;
+    ZorWBUnitKind _rootContext = ZorWBUnitKind::Angle;
 };
 
 namespace {

@@ -221,13 +221,29 @@ class Printer {
     }
 
     void ExpandEquation(const ZorWBEqNode& equation) {
-        Node(equation.GetLeftTerm());
-        const char* symbol = ZorWBRelationText(equation.GetWBEqType());
-        if (symbol && equation.GetRightTerm()) {
+        const ZorWBNode* left = equation.GetLeftTerm();
+        const ZorWBNode* right = equation.GetRightTerm();
+        ZorWBEquationType type = equation.GetWBEqType();
+        const char* symbol = ZorWBRelationText(type);
+        bool objective = type == ZorWBMinimize || type == ZorWBMaximize;
+        if (symbol && right) {
+            Node(left);
             Text(symbol);
-            Node(equation.GetRightTerm());
+            Node(right);
+        } else if (objective && right) {  // the difference of the two terms
+            Node(left,
+                 ZorWBNeedsBrackets(ZorWBExpressionType::Minus, true, BindingOf(left, false)));
+            Text(" - ");
+            Node(right,
+                 ZorWBNeedsBrackets(ZorWBExpressionType::Minus, false, BindingOf(right, false)));
+        } else {
+            Node(left);
         }
-        Text(";");
+        // The language has no objectives: they are told in a comment.
+        if (objective)
+            Text(type == ZorWBMinimize ? "; /* minimize */" : "; /* maximize */");
+        else
+            Text(";");
     }
 
     ZorQelString& _out;

@@ -21,7 +21,10 @@ class ZorWBNode;
 // - functions and black-box calls as name(arguments), conditionals as
 //   "if (c) then (a) else (b)"; a unit follows its number ("10 mm") or the
 //   bracketed node it is attached to ("(a + b) deg");
-// - an equation as "left = right;" or "term;", a model one equation a line.
+// - an equation as "left = right;" or "term;", a model one equation a line;
+//   an objective, which the language cannot write, as its expression (the
+//   left term, or "left - right") followed by "; /* minimize */" or
+//   "; /* maximize */", which reads back as a one-term equation.
 // What the language cannot write comes out readable but not readable back:
 // a missing child as "?", a fraction other than Pi as "(n/d*Pi^p)", values of
 // other kinds in the forms of ZorWBAppendValueText, an operator without its usual arity or

@@ -7,6 +7,7 @@
 
 #include "expressions/ZorWBFactory.h"
 #include "output/ZorWBEquations.h"
+#include "qel/ZorQelGlobalParameters.h"
 #include "qel/ZorQelStream.h"
 #include "symbolic/ZorWBSymbolicTransformations.h"
 
@@ -61,6 +62,12 @@ ZorQelString BodyDifference(const ZorQelStorage::Section& recorded,
 
 }  // namespace
 
+unsigned int ZorWBSymbolicReplay::GetRecordedLevel(const ZorQelStorage& recorded) {
+    unsigned int level = 0;
+    if (ReadOperatorLevel(recorded, level)) return level;
+    return ZorQelGlobalParameters::GetGlobalParameters().GetQelFullOpenConfigurationLevel();
+}
+
 bool ZorWBSymbolicReplay::ReadInput(const ZorQelStorage& recorded, ZorWBFactory& factory,
                                     Input& input) try {
     const ZorQelStorage::Section* mode = recorded.FindSection("#!MODE", ZorQelStorage::InputPart);
@@ -76,7 +83,7 @@ bool ZorWBSymbolicReplay::ReadInput(const ZorQelStorage& recorded, ZorWBFactory&
 }
 
 bool ZorWBSymbolicReplay::Replay(const ZorQelStorage& recorded, ZorQelString& difference) try {
-    ZorWBFactory factory;
+    ZorWBFactory factory(GetRecordedLevel(recorded));
     Input input;
     if (!ReadInput(recorded, factory, input)) {
         difference = "the recorded input does not read";

@@ -22,16 +22,23 @@ class ZORWBX_API ZorWBSymbolicReplay {
         ZorQelIntArray equationsToSimplify;
     };
 
+    // The behaviour level of the recorded run, which a replay must run at:
+    // the operator's level of "#!OPERATOR" (a host creates the operator at
+    // its factory's level, as wbx transform does), or, without one, the
+    // level of a default factory.
+    static unsigned int GetRecordedLevel(const ZorQelStorage& recorded);
+
     // Rebuilds the recorded input system into factory, which should be
-    // fresh, and reads the mode, the operator's level and the list of
-    // equations to simplify. False when "#!MODE" is missing or unreadable,
-    // or the system does not read back.
+    // fresh and made at GetRecordedLevel, and reads the mode, the operator's
+    // level (0 without one) and the list of equations to simplify. False
+    // when "#!MODE" is missing or unreadable, or the system does not read
+    // back.
     static bool ReadInput(const ZorQelStorage& recorded, ZorWBFactory& factory, Input& input);
 
-    // Runs the transformations again on the recorded input (a new factory at
-    // the default level) and compares the output sections with the recorded
-    // ones. True when they are identical; otherwise difference describes the
-    // first difference.
+    // Runs the transformations again on the recorded input, in a new factory
+    // at the recorded level, and compares the output sections with the
+    // recorded ones. True when they are identical; otherwise difference
+    // describes the first difference.
     static bool Replay(const ZorQelStorage& recorded, ZorQelString& difference);
 
     // The first difference between the output parts of two recordings, or

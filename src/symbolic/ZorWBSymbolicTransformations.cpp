@@ -3,7 +3,6 @@
 #include <exception>
 #include <new>
 #include <unordered_map>
-#include <vector>
 
 #include "debug/ZorWBDebug.h"
 #include "expressions/ZorWBEquation.h"
@@ -11,7 +10,7 @@
 #include "expressions/ZorWBGraphWalk.h"
 #include "output/ZorWBEquations.h"
 #include "qel/ZorQelGlobalParameters.h"
-#include "symbolic/ZorWBNodeRebuild.h"
+#include "symbolic/ZorWBNaryShapes.h"
 #include "symbolic/ZorWBSymbolicTransformationsNew.h"
 #include "symbolic/ZorWBSymbolicTransformationsOld.h"
 
@@ -23,10 +22,6 @@ ZorQelOperator::OperatorInfo* ZorWBSymbolicTransformations::_pInfo = nullptr;
 namespace {
 
 const char* const PropertyNames[2] = {"constant", "linear"};
-
-bool IsNary(Type type) {
-    return type == Type::Sum || type == Type::Product || type == Type::Min || type == Type::Max;
-}
 
 }  // namespace
 
@@ -111,63 +106,13 @@ void ZorWBSymbolicTransformations::SetProperties(ZorWBExpression* expression) tr
 
 // ------------------------------------------------------------ shapes
 
-namespace {
-
-// Rebuilds a graph bottom-up, each node over its children's results after
-// reshape(type, children) has changed the list; rebuilt nodes keep the
-// properties of the nodes they replace. Each shared node is handled once.
-template <class Reshape>
-ZorWBExpression* RebuildGraph(ZorWBFactory& factory, ZorWBExpression* root, Reshape&& reshape) {
-    if (!root) return nullptr;
-    std::unordered_map<const ZorWBExpression*, ZorWBExpression*> results;
-    return ZorWBGraphWalk::PostOrder<ZorWBExpression*>(
-        root, results, [&](const ZorWBExpression* node) -> ZorWBExpression* {
-            ZorWBExpression* e = const_cast<ZorWBExpression*>(node);
-            int n = e->GetNbOfChildren();
-            if (n == 0) return e;
-            std::vector<ZorWBExpression*> children;
-            for (int i = 0; i < n; ++i)
-                children.push_back(results[e->GetChild(i)]);
-            reshape(e->GetType(), children);
-            ZorWBExpression* rebuilt = ZorWBRebuildNode(factory, e, children);
-            if (!rebuilt) return e;
-            ZorWBCopyProperties(factory, e, rebuilt);
-            return rebuilt;
-        });
-}
-
-}  // namespace
-
-ZorWBExpression* ZorWBSymbolicTransformations::Flatten(ZorWBExpression* root) try {
-    return RebuildGraph(_factory, root, [](Type type, std::vector<ZorWBExpression*>& children) {
-        if (!IsNary(type)) return;
-        // Last to first: a child of the same type leaves its place and its
-        // children go to the end, where the loop does not come back.
-        for (int i = static_cast<int>(children.size()) - 1; i >= 0; --i) {
-            ZorWBExpression* child = children[std::size_t(i)];
-            if (child->GetType() != type) continue;
-            children.erase(children.begin() + i);
-            for (int j = 0; j < child->GetNbOfChildren(); ++j)
-                children.push_back(child->GetChild(j));
-        }
-    });
-} catch (const std::exception&) {
-    return root;
+ZorWBExpression* ZorWBSymbolicTransformations::Flatten(ZorWBExpression* root) {
+    return ZorWBFlatten(_factory, root);
 }
 
 ZorWBExpression* ZorWBSymbolicTransformations::Binarise(ZorWBExpression* root,
-                                                        bool keepIfThenElse) try {
-    return RebuildGraph(_factory, root, [&](Type type, std::vector<ZorWBExpression*>& children) {
-        if (keepIfThenElse && type == Type::IfThenElse) return;
-        while (children.size() > 2) {
-            ZorWBExpression* pair = _factory.CreateOperator(type, 2, children.data());
-            if (!pair) return;
-            children.erase(children.begin());
-            children.front() = pair;
-        }
-    });
-} catch (const std::exception&) {
-    return root;
+                                                        bool keepIfThenElse) {
+    return ZorWBBinarise(_factory, root, keepIfThenElse);
 }
 
 // ------------------------------------------------------------ replay

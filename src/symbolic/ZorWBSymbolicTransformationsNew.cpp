@@ -67,13 +67,18 @@ void ZorWBSymbolicTransformationsNew::PrepareEquation(ZorWBEquation* equation,
     equation->DuplicateRoot();
     ZorWBExpression* root = equation->GetRoot();
     if (!root) return;
-    SetProperties(root);
+    // The marks are computed on the flattened root: the nodes that stay get
+    // the marks they would copy from the nested ones, and the levels of a
+    // nested chain, which flattening drops, are not marked one by one (each
+    // new mark invalidates the buffers of all the node's ancestors, a cost
+    // quadratic in the depth of the chain).
     if (_mode & (EliminateMode | SimplifyMode)) {
         if (TraceLevel() >= 2) Trace(ZorQelString("Before: ") + ZorWBDebug::ExpStr(root) + "\n");
         root = Flatten(root);
         equation->SetRoot(root);
         if (TraceLevel() >= 2) Trace(ZorQelString("After : ") + ZorWBDebug::ExpStr(root) + "\n");
     }
+    SetProperties(root);
     if (!(_mode & SimplifyMode)) return;
     // With the consistency check on, a constant inequality stays for the
     // check to read, even when it folds to 0.

@@ -1,4 +1,5 @@
-# cmake -P script: install, configure and build the consumer, run it.
+# cmake -P script: install, run the installed tool, configure and build the
+# consumer, run it.
 file(REMOVE_RECURSE ${WORK_DIR})
 set(prefix ${WORK_DIR}/prefix)
 
@@ -11,6 +12,11 @@ function(run_step)
 endfunction()
 
 run_step(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+# Without LD_LIBRARY_PATH: the tool's run path leads to the installed libraries.
+run_step(${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH ${prefix}/${INSTALL_BINDIR}/wbx --version)
+if(NOT step_output MATCHES "^wbx \\(ZorWBx\\) ${PROJECT_VERSION}\n")
+  message(FATAL_ERROR "unexpected output of the installed wbx --version: ${step_output}")
+endif()
 run_step(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/build
          -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${CXX_COMPILER})
 run_step(${CMAKE_COMMAND} --build ${WORK_DIR}/build)

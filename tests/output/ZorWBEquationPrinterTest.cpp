@@ -210,7 +210,7 @@ TEST(ZorWBEquationPrinter, EquationsAndFactories) {
               "2 * x + 3 * y = 12;\n"
               "x <= y;\n"
               "sin(x) > 0;\n"
-              "x + 5 != 0;\n"
+              "x != -5;\n"
               "x - 2.5;\n"
               "x; /* minimize */\n"
               "y; /* maximize */\n");
@@ -253,6 +253,9 @@ TEST(ZorWBEquationPrinter, InexactShapesReadBackEqualInValue) {
 }
 
 TEST(ZorWBEquationPrinter, PrintedEquationsReadBackWithTheSameRootAndType) {
+    // Equations made from two terms, as the parser makes every equation
+    // with a relation, read back to the same root; a root of another shape
+    // reads back as Sum(root, 0), the root of "root REL 0;".
     ZorWBFactory factory;
     RandomExpression random(factory, 21);
     for (int round = 0; round < 1500; ++round) {
@@ -264,8 +267,44 @@ TEST(ZorWBEquationPrinter, PrintedEquationsReadBackWithTheSameRootAndType) {
         std::string text = ZorWBEquationPrinter::Print(equation).GetString();
         ZorQelListPZorWBBlackBox blackBoxes;
         ZorWBExpression* root = ZorWBParser::ReadZorWBExpression(text.c_str(), factory, blackBoxes);
-        ASSERT_TRUE(root && root->IsEqualTo(equation->GetRoot())) << text;
+        ASSERT_NE(root, nullptr) << text;
+        ZorWBExpression* original = equation->GetRoot();
+        bool plusZero = !right && type != ZorWBEquationUnset && !root->IsEqualTo(original);
+        if (plusZero) original = factory.CreateSum(original, factory.CreateIntegerConstant(0));
+        ASSERT_TRUE(root->IsEqualTo(original)) << text;
         EXPECT_EQ(factory.GetLastEquation()->GetType(), type) << text;
+        // Sum(root, 0) prints as "root REL 0;" again.
+        EXPECT_EQ(ZorWBEquationPrinter::Print(factory.GetLastEquation()).GetString(), text);
+    }
+}
+
+TEST(ZorWBEquationPrinter, AnEquationWithAnyNumberOnTheRightReadsBackToItsRoot) {
+    // Roots Sum(left, B) with B a number, or a product or quotient led by
+    // one, of either sign: what CreateSub makes of "left REL right".
+    Shapes s;
+    ZorWBFactory& f = s.f;
+    struct Case {
+        ZorWBExpression* root;
+        const char* text;
+    };
+    const Case cases[] = {
+        {f.CreateSum(s.x, s.Int(0)), "x = 0;"},
+        {f.CreateSum(s.x, s.Real(0.0)), "x = -0.0;"},
+        {f.CreateSum(s.x, s.Int(3)), "x = -3;"},
+        {f.CreateSum(s.x, s.Real(-2.5)), "x = 2.5;"},
+        {f.CreateSum(s.x, f.CreateProduct(s.Int(2), s.y)), "x = -2 * y;"},
+        {f.CreateSum(s.x, f.CreateProduct(s.Int(-1), s.y)), "x = y;"},
+        {f.CreateSum(s.x, f.CreateProduct(s.Int(1), s.y)), "x = -1 * y;"},
+        {f.CreateSum(s.x, f.CreateQuotient(s.Real(1.5), s.y)), "x = -1.5 / y;"},
+        {f.CreateSum(s.x, f.CreateProduct(s.Int(-1), s.Int(2))), "x = 1 * 2;"},
+    };
+    for (const Case& test : cases) {
+        ZorWBEquation* equation = f.AddEquation(test.root, ZorWBEqualZero);
+        std::string text = ZorWBEquationPrinter::Print(equation).GetString();
+        EXPECT_EQ(text, test.text);
+        ZorQelListPZorWBBlackBox blackBoxes;
+        ZorWBExpression* read = ZorWBParser::ReadZorWBExpression(text.c_str(), f, blackBoxes);
+        EXPECT_TRUE(read && read->IsEqualTo(test.root)) << text << " read as " << Text(read);
     }
 }
 

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "OutputTestSupport.h"
 #include "expressions/ZorWBBlackBoxOperator.h"
@@ -556,6 +559,43 @@ TEST(ZorWBEquationsReplay, IdsAndNamesComeBack) {
     EXPECT_EQ(Text(factory.GetEquation(2)->GetName()), "last row");
     EXPECT_EQ(Text(factory.GetEquation(1)->GetName()), "eq5");
     EXPECT_EQ(factory.GetNextEquation(factory.GetEquation(0)), factory.GetEquation(1));
+}
+
+TEST(ZorWBEquationsReplay, VariablesNamedLikeConstantTextsReadBack) {
+    for (int version : {0, 1}) {
+        ZorWBFactory factory;
+        const double infinity = std::numeric_limits<double>::infinity();
+        // Each variable beside a constant written with its name's text.
+        std::vector<std::pair<const char*, ZorWBExpression*>> pairs = {
+            {"inf", factory.CreateRealConstant(infinity)},
+            {"nan", factory.CreateRealConstant(std::nan(""))},
+            {"True", factory.CreateConstant(ZorWBValue(ZorWBTrue))},
+            {"Pi", factory.CreateConstantPi()},
+            {"PiByTwo", factory.GetPiByTwo()},
+            {"(-3)", factory.CreateIntegerConstant(-3)},
+            {"((-3))", factory.CreateIntegerConstant(-3)},
+        };
+        for (const auto& [name, constant] : pairs) {
+            ZorWBVariable* variable = factory.CreateVariable();
+            variable->SetName(name);
+            factory.AddEquation(factory.CreateSum(variable, constant), ZorWBEqualZero);
+        }
+        std::string text = WriteSystem(factory, ZorQelStorage::InputPart, version);
+        EXPECT_NE(text.find(version ? "eq0= sum(inf, (inf));" : "eq0= Sum(inf, (inf));"),
+                  std::string::npos)
+            << text;
+        EXPECT_NE(text.find("(((-3)))"), std::string::npos) << text;
+        ZorWBFactory copy;
+        ASSERT_TRUE(ReadSystem(text, copy, ZorQelStorage::InputPart, version)) << text;
+        ASSERT_EQ(copy.GetNbOfEquations(), factory.GetNbOfEquations());
+        for (int i = 0; i < factory.GetNbOfEquations(); ++i) {
+            const ZorWBExpression* root = copy.GetEquation(i)->GetRoot();
+            EXPECT_EQ(root->GetChild(0), copy.GetVariable(i)) << text;
+            EXPECT_EQ(root->GetChild(1)->GetType(), Type::Constant) << text;
+        }
+        EXPECT_TRUE(std::isinf(copy.GetEquation(0)->GetRoot()->GetChild(1)->Eval()));
+        EXPECT_EQ(WriteSystem(copy, ZorQelStorage::InputPart, version), text);
+    }
 }
 
 TEST(ZorWBEquationsReplay, DeepEquationsWriteAndReadWithoutDeepRecursion) {

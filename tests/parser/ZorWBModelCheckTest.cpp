@@ -36,6 +36,12 @@ TEST(ZorWBModelCheck, EveryMessageWithItsCodeAndLocation) {
         {"(y) Pi ';", {"25 (1,7,1,8)"}, "semantic error, ambiguous Pi"},
         // The judgement does not let a unitless variable equal an angle.
         {"x = 30 deg;", {"23 (1,0,1,11)"}, "semantic error, inconsistent unit"},
+        // A repeated call is one node: its problems are told once, at the
+        // first call.
+        {"y = f(2 foo) + f(2 foo);", {"22 (1,8,1,11)"}, "semantic error, unknown unit"},
+        {"a = g(2 mm + 3 deg);\nb = g(2 mm + 3 deg);",
+         {"23 (1,6,1,18)"},
+         "semantic error, inconsistent unit"},
     };
     for (const CheckCase& test : cases) {
         ParsedText parsed(test.text);

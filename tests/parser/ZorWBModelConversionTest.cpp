@@ -5,6 +5,7 @@
 
 #include "ExpressionShape.h"
 #include "ParserTestSupport.h"
+#include "RandomModelText.h"
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
 #include "parser/ZorWBParserResult.h"
@@ -321,6 +322,51 @@ TEST(ZorWBModelConversion, AmbiguousMarksReadByTheirContext) {
     EXPECT_NEAR(expression->GetValue().GetAsReal(), 2 * foot, 1e-9);
 }
 
+TEST(ZorWBModelConversion, EveryTwoTermEquationHasTheDifferenceOfItsTermsAsRoot) {
+    EXPECT_EQ(RootOf("x = 0;"), "Sum(x, 0)");
+    EXPECT_EQ(RootOf("x != 0;"), "Sum(x, 0)");
+    EXPECT_EQ(RootOf("sin(x) >= 0.0;"), "Sum(Sin(x), -0.0)");
+    EXPECT_EQ(RootOf("0 = x;"), "Sum(0, Product(-1, x))");
+    // On random statements: the root is CreateSub of the two terms, each
+    // converted on its own (without units, which could read by the other
+    // side).
+    RandomModelText random(17);
+    for (int round = 0; round < 400; ++round) {
+        std::string text = random.Statement(1 + round % 3);
+        ParsedText parsed(text.c_str());
+        const ZorWBEqNode* equation = parsed.model.GetFirstEquation();
+        if (parsed.errors || !equation || !equation->GetRightTerm()) continue;
+        ZorWBFactory factory;
+        ZorQelIntArray ids;
+        if (parsed.model.FillFactory(factory, ids, false) != 0) continue;
+        ZorWBExpression *left = nullptr, *right = nullptr;
+        ASSERT_EQ(parsed.model.ConvertNodeToExpr(equation->GetLeftTerm(), factory, left, false), 0);
+        ASSERT_EQ(parsed.model.ConvertNodeToExpr(equation->GetRightTerm(), factory, right, false),
+                  0);
+        EXPECT_TRUE(factory.GetEquation(0)->GetRoot()->IsEqualTo(factory.CreateSub(left, right)))
+            << text;
+    }
+}
+
+TEST(ZorWBModelConversion, AMarkInARepeatedCallReadsTheContextOfEachUse) {
+    const double foot = 304.8, minute = ZorWBPi / 10800;
+    // One model node for f(3') in both equations; its mark is three feet
+    // beside a length and three arc minutes beside an angle.
+    Filled filled("y = f(3') + 1 mm; z = f(3') + 1 deg; w = f(3');");
+    ASSERT_EQ(filled.status, 0);
+    const ZorWBEqNode* first = filled.parsed.model.GetFirstEquation();
+    ASSERT_EQ(first->GetRightTerm()->GetChild(0), first->GetNext()->GetRightTerm()->GetChild(0));
+    auto mark = [&](int equation, bool inSum) {
+        // The root is name - term: Sum(name, Product(-1, term)).
+        const ZorWBExpression* term = filled.Root(equation)->GetChild(1)->GetChild(1);
+        const ZorWBExpression* call = inSum ? term->GetChild(0) : term;
+        return call->GetChild(0)->GetValue().GetAsReal();
+    };
+    EXPECT_NEAR(mark(0, true), 3 * foot, 1e-9);
+    EXPECT_NEAR(mark(1, true), 3 * minute, 1e-15);
+    EXPECT_NEAR(mark(2, false), 3 * minute, 1e-15);  // nothing decides: an angle
+}
+
 TEST(ZorWBModelConversion, FillFactoryAddsOneEquationPerStatement) {
     Filled filled("2*x + 3*y = 12; x - y <= 1; x; x != 0; x < 1 mm; x >= 0.0; x > 0 mm;");
     ASSERT_EQ(filled.status, 0);
@@ -336,7 +382,7 @@ TEST(ZorWBModelConversion, FillFactoryAddsOneEquationPerStatement) {
     EXPECT_EQ(filled.Shape(0), "Sum(Sum(Product(2, x), Product(3, y)), -12)");
     EXPECT_EQ(filled.Shape(1), "Sum(Sum(x, Product(-1, y)), -1)");
     EXPECT_EQ(filled.Shape(2), "x");
-    EXPECT_EQ(filled.Shape(3), "x");  // a plain 0 on the right adds nothing
+    EXPECT_EQ(filled.Shape(3), "Sum(x, 0)");
     EXPECT_EQ(filled.Shape(4), "Sum(x, -1)");
     EXPECT_EQ(filled.Shape(5), "Sum(x, -0.0)");
     EXPECT_EQ(filled.Shape(6), "Sum(x, 0)");

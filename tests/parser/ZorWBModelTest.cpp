@@ -1,6 +1,10 @@
 #include <climits>
 
 #include "ParserTestSupport.h"
+#include "expressions/ZorWBEquation.h"
+#include "expressions/ZorWBFactory.h"
+#include "output/ZorWBEquationPrinter.h"
+#include "parser/ZorWBModelCheck.h"
 #include "parser/ZorWBVisitor.h"
 
 namespace {
@@ -105,7 +109,9 @@ TEST(ZorWBModel, EquationListAndIds) {
     ZorWBNode* one = model.CreateConstant(here, ZorWBValue(1));
     EXPECT_EQ(model.AddEquation(nullptr), nullptr);
     EXPECT_EQ(model.AddEquation(here, x, ZorWBEqualZero, nullptr), nullptr);
-    EXPECT_EQ(model.AddEquation(here, x, ZorWBMinimize, one), nullptr);
+    EXPECT_EQ(model.AddEquation(here, x, ZorWBEquationUnset, one), nullptr);
+    EXPECT_EQ(model.AddEquation(here, x, static_cast<ZorWBEquationType>(9), one), nullptr);
+    EXPECT_EQ(model.AddEquation(here, nullptr, ZorWBMinimize, nullptr), nullptr);
     ZorWBEqNode* first = model.AddEquation(here, x, ZorWBEqualZero, one);
     ZorWBEqNode* second = model.AddEquation(x);
     ZorWBEqNode* third = model.AddEquation(here, one, ZorWBGreaterZero, x);
@@ -137,6 +143,35 @@ TEST(ZorWBModel, EquationListAndIds) {
     ZorWBEqNode* foreign = other.AddEquation(other.CreateVariable(here, "y"));
     EXPECT_EQ(model.RemoveEquation(foreign), static_cast<int>(0x80004005u));
     EXPECT_NE(foreign, nullptr);
+}
+
+TEST(ZorWBModel, ObjectivesAreAddedCheckedFilledAndPrinted) {
+    ZorWBModel model;
+    ZorWBLocation here(1, 0, 1, 5);
+    ZorWBNode* x = model.CreateVariable(here, "x");
+    ZorWBNode* y = model.CreateVariable(here, "y");
+    ZorWBNode* sum = model.CreateOperator(here, ZorWBExpressionType::Sum,
+                                          List({y, model.CreateConstant(here, ZorWBValue(2))}));
+    ZorWBEqNode* minimum = model.AddEquation(here, x, ZorWBMinimize, nullptr);
+    ZorWBEqNode* maximum = model.AddEquation(here, x, ZorWBMaximize, sum);
+    ASSERT_TRUE(minimum && maximum);
+    EXPECT_EQ(minimum->GetWBEqType(), ZorWBMinimize);
+    EXPECT_EQ(maximum->GetRightTerm(), sum);
+
+    ZorWBParserMessenger messenger;
+    EXPECT_EQ(ZorWBModelCheck(&model, &messenger).Run(), 0);
+    EXPECT_EQ(ZorWBModelPrinter::Print(model).GetStdString(),
+              "x; /* minimize */\nx - (y + 2); /* maximize */\n");
+
+    ZorWBFactory factory;
+    ZorQelIntArray ids;
+    ASSERT_EQ(model.FillFactory(factory, ids), 0);
+    ASSERT_EQ(factory.GetNbOfEquations(), 2);
+    EXPECT_EQ(factory.GetEquation(0)->GetType(), ZorWBMinimize);
+    EXPECT_EQ(factory.GetEquation(0)->GetRoot(), factory.GetVariable(0));
+    EXPECT_EQ(factory.GetEquation(1)->GetType(), ZorWBMaximize);
+    EXPECT_EQ(ZorWBEquationPrinter::Print(factory.GetEquation(1)).GetStdString(),
+              "x - (y + 2); /* maximize */");
 }
 
 TEST(ZorWBModel, VariableNodesFoundByPlaceInAnyOrder) {

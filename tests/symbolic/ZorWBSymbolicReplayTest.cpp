@@ -9,11 +9,12 @@ namespace {
 
 using ST = ZorWBSymbolicTransformations;
 
-// Records one run over f and returns the recording.
+// Records one run over f, with the operator at the factory's level as hosts
+// make it, and returns the recording.
 std::string Record(ZorWBFactory& f, unsigned int mode, std::vector<int> ids = {}) {
     ZorQelStream stream;
     stream.OpenMemory();
-    ST* st = ZorCreateWBSymbolicTransformations(3, f);
+    ST* st = ZorCreateWBSymbolicTransformations(f.GetWBLevel(), f);
     st->SetMode(mode);
     for (int id : ids)
         st->SetEquationToSimplify(id);
@@ -36,8 +37,10 @@ TEST(SymbolicReplayTest, SectionsOfTheNewEngine) {
     ZorWBFactory f;
     Build(f);
     std::string text = Record(f, 18, {1, 42});
-    EXPECT_EQ(text.find("#!PART 1\n#!OPERATOR QelWBReplay ZorWBSymbolicTransformations ST 1 3\n"),
-              0u)
+    EXPECT_EQ(
+        text.find(
+            "#!PART 1\n#!OPERATOR QelWBReplay ZorWBSymbolicTransformations ST 1 4294967295\n"),
+        0u)
         << text;
     for (const char* expected :
          {"#!VARIABLES 2\nInteger x;\nUndefined y;\n", "#!EQUATIONS 2\n", "#!SIMPLIFY 2\neq1;\n",
@@ -91,10 +94,34 @@ TEST(SymbolicReplayTest, RecordedRunsReplayIdentically) {
         ZorWBSymbolicReplay::Input input;
         ASSERT_TRUE(ZorWBSymbolicReplay::ReadInput(recorded, rebuilt, input));
         EXPECT_EQ(input.mode, mode);
-        EXPECT_EQ(input.operatorLevel, 3u);
+        EXPECT_EQ(input.operatorLevel, f.GetWBLevel());
         EXPECT_EQ(input.equationsToSimplify, ZorQelIntArray(1, 2));
         EXPECT_EQ(rebuilt.GetNbOfEquations(), 3);
     }
+}
+
+TEST(SymbolicReplayTest, ARunRecordedAtAnOlderLevelReplaysAtThatLevel) {
+    // Below this level the simplifier's final normalisation writes u - v as
+    // Sum(u, UnaryMinus(v)); from it on, as Sum(u, Product(-1, v)).
+    const unsigned int older = Below(ZorWBLevel::NoFinalNormalisation);
+    ZorWBFactory f(older);
+    f.AddEquation(f.CreateSub(NamedVariable(f, "u"), NamedVariable(f, "v")), ZorWBLessEqualZero);
+    ZorQelStorage recorded;
+    ASSERT_TRUE(recorded.Read(Record(f, 4)));
+    EXPECT_EQ(ZorWBSymbolicReplay::GetRecordedLevel(recorded), older);
+    ZorQelString difference;
+    EXPECT_TRUE(ZorWBSymbolicReplay::Replay(recorded, difference)) << difference.c_str();
+
+    // The same run at the newest level records another output.
+    ZorWBFactory g;
+    g.AddEquation(g.CreateSub(NamedVariable(g, "u"), NamedVariable(g, "v")), ZorWBLessEqualZero);
+    ZorQelStorage newest;
+    ASSERT_TRUE(newest.Read(Record(g, 4)));
+    EXPECT_FALSE(ZorWBSymbolicReplay::FirstDifference(recorded, newest).IsEmpty());
+
+    // Without "#!OPERATOR" the level is a default factory's.
+    ZorQelStorage bare;
+    EXPECT_EQ(ZorWBSymbolicReplay::GetRecordedLevel(bare), ZorWBFactory().GetWBLevel());
 }
 
 TEST(SymbolicReplayTest, DifferencesAreNamed) {

@@ -111,6 +111,30 @@ TEST(WbxJson, MistakesAreReportedOnOneLine) {
     }
 }
 
+TEST(WbxJson, RefusesANameThatJsonMustEscape) {
+    // The language lets a black box's name begin with a double quote; the
+    // library writes names as they are, which would not be JSON.
+    fs::path directory = Scratch("json_quote");
+    std::ofstream(directory / "quote.wbx") << "y = \"f(x) + 1;\n";
+    const std::string path = (directory / "quote.wbx").string();
+    const std::string out = (directory / "quote.json").string();
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"json", path}, {"json", path, "-o", out}}) {
+        WbxRun run = Wbx(arguments);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.out, "");
+        EXPECT_EQ(run.err, "wbx: '" + path +
+                               "' cannot be written as JSON: the name '\"f' holds a character "
+                               "that JSON must escape\n");
+    }
+    EXPECT_FALSE(fs::exists(out));
+    // Other names, apostrophes included, are written.
+    std::ofstream(directory / "apostrophe.wbx") << "y = 'g(x) + %p_2;\n";
+    WbxRun written = Wbx({"json", (directory / "apostrophe.wbx").string()});
+    ASSERT_EQ(written.status, 0) << written.err;
+    EXPECT_TRUE(nlohmann::json::accept(written.out));
+}
+
 TEST(WbxGraph, WritesOneFilePerEquationAndListsThem) {
     fs::path directory = Scratch("graph");
     ::unsetenv("VTS_LOG_NAME");

@@ -5,6 +5,10 @@
 #include <string>
 
 #include "WbxRunner.h"
+#include "expressions/ZorWBFactory.h"
+#include "qel/ZorQelStream.h"
+#include "symbolic/ZorWBSymbolicTransformations.h"
+#include "values/ZorWBLevel.h"
 
 namespace {
 
@@ -151,6 +155,42 @@ TEST(WbxReplay, DifferencesAndUnreadableRecordings) {
     WbxRun missing = RunWbxArguments({"replay", noMode});
     EXPECT_EQ(missing.status, 2);
     EXPECT_EQ(missing.err, "wbx: '" + noMode + "' holds no recorded transformation\n");
+}
+
+TEST(WbxReplay, ARecordingReplaysAtItsRecordedLevel) {
+    // Recorded by a host at a level below which the final normalisation
+    // writes u - v with a unary minus: replayed at the newest level, the
+    // output would differ.
+    const unsigned int older = ZorWBLevel::NoFinalNormalisation - 1;
+    ZorWBFactory factory(older);
+    ZorWBVariable* u = factory.CreateVariable();
+    ZorWBVariable* v = factory.CreateVariable();
+    factory.AddEquation(factory.CreateSub(u, v), ZorWBLessEqualZero);
+    ZorQelStream stream;
+    stream.OpenMemory();
+    ZorWBSymbolicTransformations* transformations =
+        ZorCreateWBSymbolicTransformations(older, factory);
+    transformations->SetMode(4);
+    transformations->SetReplayStream(&stream);
+    transformations->Run();
+    ZorRemove(transformations);
+    ASSERT_NE(stream.GetText().find("minus(va1)"), std::string::npos) << stream.GetText();
+    WbxRun replay = RunWbxArguments({"replay", ScratchFile("older.rep", stream.GetText())});
+    EXPECT_EQ(replay.status, 0) << replay.out;
+    EXPECT_EQ(replay.out, "identical\n");
+}
+
+TEST(WbxTransform, ALongSumTransformsAndItsDeepRecordingReplays) {
+    // x = a + a + ... + a, 20,000 terms: a sum 20,000 levels deep.
+    std::string text = "x = a";
+    for (int i = 1; i < 20000; ++i)
+        text += " + a";
+    std::string model = ScratchFile("long_sum.wbx", text + ";\n");
+    std::string recording = testing::TempDir() + "long_sum.rep";
+    WbxRun run = RunWbxArguments({"transform", model, "--replay", recording});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "-5e-05 * x + a = 0;\n");
+    EXPECT_EQ(RunWbxArguments({"replay", recording}).out, "identical\n");
 }
 
 TEST(WbxTransform, HelpListsTheCommands) {

@@ -9,13 +9,22 @@
 // -o OUT the document goes into the file OUT (followed by a line end) and
 // standard output stays empty.
 //
-// Exit status: 0; 1 when the model holds no equation or a node cannot be
-// written; 2 for a bad command line, a file that cannot be read or has
-// diagnostics, or an OUT that cannot be written.
+// The library's writer puts names between quotes as they are, so a name
+// holding a character that JSON must escape (a black box called "f, as the
+// language allows) would make a document that is not JSON: such a model is
+// refused with one line, "wbx: 'FILE' cannot be written as JSON: the name
+// 'NAME' holds a character that JSON must escape", and nothing on standard
+// output.
+//
+// Exit status: 0; 1 when the model holds no equation, a name that JSON must
+// escape or a node that cannot be written; 2 for a bad command line, a file
+// that cannot be read or has diagnostics, or an OUT that cannot be written.
 
 #include "WbxCommand.h"
 #include "WbxModelFile.h"
+#include "expressions/ZorWBBlackBox.h"
 #include "expressions/ZorWBEquation.h"
+#include "expressions/ZorWBVariable.h"
 #include "output/WBx2JSON.h"
 
 namespace {
@@ -36,6 +45,27 @@ struct Options {
     std::string output;
     int version = WBx2JSON::GetVersionOfStreamDefault();
 };
+
+// Characters that a JSON string holds only escaped.
+bool NeedsJsonEscape(const ZorQelString& name) {
+    for (unsigned char c : name.GetStdString())
+        if (c == '"' || c == '\\' || c < 0x20) return true;
+    return false;
+}
+
+// The first name of a variable or black box that the document would hold
+// unescaped; null when there is none.
+const ZorQelString* NameJsonCannotHold(const ZorWBFactory& factory) {
+    for (int i = 0; i < factory.GetNbOfVariables(); ++i) {
+        const ZorQelString& name = factory.GetVariable(i)->GetName();
+        if (NeedsJsonEscape(name)) return &name;
+    }
+    for (int i = 0; i < factory.GetNbOfBlackBoxes(); ++i) {
+        const ZorQelString& name = factory.GetBlackBox(i)->GetName();
+        if (NeedsJsonEscape(name)) return &name;
+    }
+    return nullptr;
+}
 
 int ReadOptions(WbxContext& context, Options& options) {
     const std::vector<std::string>& arguments = context.arguments;
@@ -68,6 +98,11 @@ int WbxJsonCommand(WbxContext& context) {
     if (file.Load(context, options.path) != WbxExit::Success) return WbxExit::Usage;
     if (!file.HasEquations(context, "write")) return WbxExit::Failure;
     ZorWBFactory& factory = file.GetFactory();
+    if (const ZorQelString* name = NameJsonCannotHold(factory)) {
+        context.err << "wbx: '" << options.path << "' cannot be written as JSON: the name '"
+                    << name->GetString() << "' holds a character that JSON must escape\n";
+        return WbxExit::Failure;
+    }
     ToolJsonWriter writer(factory, options.version);
     for (int i = 0; i < factory.GetNbOfEquations(); ++i)
         writer.Append(factory.GetEquation(i)->GetRoot());

@@ -1,10 +1,11 @@
 // wbx replay FILE: repeats a run recorded by wbx transform --replay. The
-// recorded input system is rebuilt into a new factory, the transformations
-// run again with the recorded mode and equations to simplify, and their
-// output sections are compared with the recorded ones. Prints "identical"
-// and exits 0 when they are; prints "differs: " and the first difference
-// (the section, and the line with both texts) and exits 1 otherwise; exits 2
-// for a bad command line or a file that holds no readable recording.
+// recorded input system is rebuilt into a new factory at the recorded
+// behaviour level (that of "#!OPERATOR"), the transformations run again
+// with the recorded mode and equations to simplify, and their output
+// sections are compared with the recorded ones. Prints "identical" and
+// exits 0 when they are; prints "differs: " and the first difference (the
+// section, and the line with both texts) and exits 1 otherwise; exits 2 for
+// a bad command line or a file that holds no readable recording.
 
 #include "WbxCommand.h"
 #include "expressions/ZorWBFactory.h"
@@ -17,7 +18,7 @@ int WbxReplayCommand(WbxContext& context) {
     ZorQelStorage recorded;
     if (!recorded.ReadFile(ZorQelString(path)))
         return WbxUsageError(context, "cannot read '" + path + "' as a replay");
-    ZorWBFactory check;
+    ZorWBFactory check(ZorWBSymbolicReplay::GetRecordedLevel(recorded));
     ZorWBSymbolicReplay::Input input;
     if (!ZorWBSymbolicReplay::ReadInput(recorded, check, input))
         return WbxUsageError(context, "'" + path + "' holds no recorded transformation");
