@@ -101,6 +101,92 @@ TEST(ZorWBValueArithmetic, BinaryResultsHoldTheImagesOfTheirOperands) {
     }
 }
 
+namespace {
+
+struct IntegerCase {
+    const char* name;
+    BinaryFunction function;
+    bool (*point)(long long x, long long y, long long& image);  // false where undefined
+};
+
+long long FlooredIntegerMod(long long x, long long y) {
+    long long remainder = x % y;
+    return remainder != 0 && (remainder < 0) != (y < 0) ? remainder + y : remainder;
+}
+
+bool IntegerPower(long long x, long long y, long long& image) {
+    if (y < 0) return false;
+    image = 1;
+    for (long long i = 0; i < y; ++i)
+        image *= x;
+    return true;
+}
+
+const IntegerCase IntegerCases[] = {
+    {"Sum", ZorWBSum, [](long long x, long long y, long long& z) { return z = x + y, true; }},
+    {"Sub", ZorWBSub, [](long long x, long long y, long long& z) { return z = x - y, true; }},
+    {"Mul", ZorWBMul, [](long long x, long long y, long long& z) { return z = x * y, true; }},
+    {"Mod", ZorWBMod,
+     [](long long x, long long y, long long& z) {
+         return y != 0 && (z = FlooredIntegerMod(x, y), true);
+     }},
+    {"Min", ZorWBMin,
+     [](long long x, long long y, long long& z) { return z = std::min(x, y), true; }},
+    {"Max", ZorWBMax,
+     [](long long x, long long y, long long& z) { return z = std::max(x, y), true; }},
+    {"Dim", ZorWBDim,
+     [](long long x, long long y, long long& z) { return z = std::max(x - y, 0LL), true; }},
+    {"Sign", ZorWBSign,
+     [](long long x, long long y, long long& z) {
+         return z = y >= 0 ? std::llabs(x) : -std::llabs(x), true;
+     }},
+    {"Pow", ZorWBPow, IntegerPower},
+};
+
+}  // namespace
+
+// An integer interval result of integer interval (or integer) operands is
+// the hull of the images of every pair of their integers: sound and tight.
+TEST(ZorWBValueArithmetic, IntegerIntervalResultsAreTheHullsOfTheirImages) {
+    std::mt19937 rng(977);
+    for (const IntegerCase& operation : IntegerCases) {
+        for (int trial = 0; trial < 2000; ++trial) {
+            int aLow = RandomInt(rng, -9, 9);
+            int bLow = RandomInt(rng, -4, 6);
+            ZorWBIntegerInterval a = {aLow, aLow + RandomInt(rng, 0, 6)};
+            ZorWBIntegerInterval b = {bLow, bLow + RandomInt(rng, 0, 3)};
+            ZorWBValue second = RandomInt(rng, 0, 1) ? ZorWBValue(b) : ZorWBValue(b.low);
+            if (second.IsAKindOf(ZorWBIntegerType)) b.high = b.low;
+            ZorWBEnvironment environment;
+            ZorWBValue result = operation.function(environment, ZorWBValue(a), second);
+            if (!result.IsAKindOf(ZorWBIntegerIntervalType)) continue;
+            long long low = LLONG_MAX;
+            long long high = LLONG_MIN;
+            for (long long x = a.low; x <= a.high; ++x) {
+                for (long long y = b.low; y <= b.high; ++y) {
+                    long long image = 0;
+                    if (!operation.point(x, y, image)) continue;
+                    low = std::min(low, image);
+                    high = std::max(high, image);
+                }
+            }
+            if (low > high) continue;
+            ASSERT_EQ(environment.GetError(), 0u);
+            ZorWBIntegerInterval hull = result.GetAsIntegerInterval();
+            ASSERT_TRUE(hull.low == low && hull.high == high)
+                << operation.name << "([" << a.low << ", " << a.high << "], " << Describe(second)
+                << ") = [" << hull.low << ", " << hull.high << "], images [" << low << ", " << high
+                << "]";
+        }
+    }
+    // x^0 is 1 for every x, 0 included.
+    ZorWBEnvironment environment;
+    ZorWBValue one = ZorWBPow(environment, ZorWBValue(ZorWBIntegerInterval{-2, 3}), ZorWBValue(0));
+    ASSERT_EQ(one.GetType(), ZorWBIntegerIntervalType);
+    EXPECT_EQ(one.GetAsIntegerInterval().low, 1);
+    EXPECT_EQ(one.GetAsIntegerInterval().high, 1);
+}
+
 TEST(ZorWBValueArithmetic, CommonKindFollowsTheTable) {
     ZorWBEnvironment environment;
     const std::vector<ZorWBValue> samples = OneValueOfEachKind();
