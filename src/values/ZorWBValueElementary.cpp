@@ -359,7 +359,7 @@ ZorWBValue RoundToStep(const ZorWBEnvironment& environment, const ZorWBValue& a,
                        const ZorWBValue& step, const ZorWBValue& origin) {
     if (IsExactZero(environment, step)) return a;
     ZorWBValue steps =
-        ZorWBRound(environment, ZorWBDiv(environment, ZorWBSub(environment, a, origin), step));
+        ZorWBRound(environment, ExactQuotient(environment, ZorWBSub(environment, a, origin), step));
     return ZorWBSum(environment, origin, ZorWBMul(environment, step, steps));
 }
 

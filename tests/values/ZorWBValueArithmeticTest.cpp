@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <random>
@@ -19,6 +20,8 @@ struct BinaryCase {
     const char* name;
     BinaryFunction function;
     double (*point)(double, double);  // NaN where the operation is undefined
+    // Where sets of integers compute otherwise (null: as point).
+    double (*integerSetPoint)(double, double) = nullptr;
 };
 
 double FlooredMod(double x, double y) {
@@ -27,6 +30,11 @@ double FlooredMod(double x, double y) {
 double Quotient(double x, double y) {
     if (y == 0.0) return x == 0.0 ? INFINITY : NAN;  // 0 / 0 is deliberately plus infinity
     return x / y;
+}
+// Sets of integers divide by the integer interval division: the truncated
+// quotients, and every integer by a divisor that holds 0.
+double TruncatedQuotient(double x, double y) {
+    return y == 0.0 ? NAN : std::trunc(x / y);
 }
 double Power(double x, double y) {
     return (x == 0.0 && y < 0.0) ? NAN : std::pow(x, y);
@@ -41,7 +49,7 @@ const BinaryCase BinaryCases[] = {
     {"Sum", ZorWBSum, [](double x, double y) { return x + y; }},
     {"Sub", ZorWBSub, [](double x, double y) { return x - y; }},
     {"Mul", ZorWBMul, [](double x, double y) { return x * y; }},
-    {"Div", ZorWBDiv, Quotient},
+    {"Div", ZorWBDiv, Quotient, TruncatedQuotient},
     {"Mod", ZorWBMod, FlooredMod},
     {"Min", ZorWBMin, [](double x, double y) { return std::min(x, y); }},
     {"Max", ZorWBMax, [](double x, double y) { return std::max(x, y); }},
@@ -57,11 +65,34 @@ bool IsRealKind(ZorWBValueType kind) {
            kind == ZorWBFractionType;
 }
 
+bool IsIntegerSetKind(ZorWBValueType kind) {
+    return kind == ZorWBIntegerIntervalType || kind == ZorWBIntegerEnumType ||
+           kind == ZorWBBooleanType;
+}
+
+// Whether the integer 0 is one of the value's numbers.
+bool HoldsZero(const ZorWBValue& value) {
+    if (IsList(value)) {
+        std::vector<double> elements = ListElements(value);
+        return std::find(elements.begin(), elements.end(), 0.0) != elements.end();
+    }
+    ZorWBIntegerInterval hull = value.GetAsIntegerInterval();
+    return hull.low <= 0 && 0 <= hull.high;
+}
+
+bool IsWholeIntegerLine(const ZorWBValue& value) {
+    if (value.IsAKindOf(ZorWBIntegerEnumType)) return value.GetIntegerEnum().IsAny();
+    ZorWBIntegerInterval hull = value.GetAsIntegerInterval();
+    return value.IsAKindOf(ZorWBIntegerIntervalType) && hull.low == ZorWBInteger_Any.low &&
+           hull.high == ZorWBInteger_Any.high;
+}
+
 }  // namespace
 
 // For operands of every pair of kinds, the image of every pair of sampled
 // points lies in the result, and two lists give exactly the images of their
-// elements.
+// elements. Sets of integers (integer intervals, enumerations and booleans)
+// compute with their own point function where the operation has one.
 TEST(ZorWBValueArithmetic, BinaryResultsHoldTheImagesOfTheirOperands) {
     std::mt19937 rng(20240611);
     for (const BinaryCase& operation : BinaryCases) {
@@ -79,10 +110,19 @@ TEST(ZorWBValueArithmetic, BinaryResultsHoldTheImagesOfTheirOperands) {
                     ASSERT_EQ((environment.GetError() & 2) != 0, booleanWithReal && !quiet)
                         << operation.name << " " << Describe(a) << ", " << Describe(b);
                     if (booleanWithReal) continue;
+                    bool integerSets = operation.integerSetPoint &&
+                                       IsIntegerSetKind(ZorWBGetCommonType(environment, a, b));
+                    if (integerSets && HoldsZero(b)) {
+                        ASSERT_TRUE(IsWholeIntegerLine(result))
+                            << operation.name << "(" << Describe(a) << ", " << Describe(b)
+                            << ") = " << Describe(result);
+                        continue;
+                    }
+                    auto point = integerSets ? operation.integerSetPoint : operation.point;
                     std::vector<double> images;
                     for (double x : PointsOf(rng, a)) {
                         for (double y : PointsOf(rng, b)) {
-                            double image = operation.point(x, y);
+                            double image = point(x, y);
                             if (std::isnan(image)) continue;
                             images.push_back(image);
                             ASSERT_TRUE(Holds(result, image))
@@ -141,6 +181,8 @@ const IntegerCase IntegerCases[] = {
          return z = y >= 0 ? std::llabs(x) : -std::llabs(x), true;
      }},
     {"Pow", ZorWBPow, IntegerPower},
+    {"Div", ZorWBDiv,
+     [](long long x, long long y, long long& z) { return y != 0 && (z = x / y, true); }},
 };
 
 }  // namespace
@@ -159,7 +201,13 @@ TEST(ZorWBValueArithmetic, IntegerIntervalResultsAreTheHullsOfTheirImages) {
             if (second.IsAKindOf(ZorWBIntegerType)) b.high = b.low;
             ZorWBEnvironment environment;
             ZorWBValue result = operation.function(environment, ZorWBValue(a), second);
-            if (!result.IsAKindOf(ZorWBIntegerIntervalType)) continue;
+            if (operation.function == ZorWBPow && !result.IsAKindOf(ZorWBIntegerIntervalType))
+                continue;  // a power that leaves the integers is a real interval
+            ASSERT_EQ(result.GetType(), ZorWBIntegerIntervalType) << operation.name;
+            if (operation.function == ZorWBDiv && b.low <= 0 && 0 <= b.high) {
+                ASSERT_TRUE(IsWholeIntegerLine(result)) << "a divisor holding 0";
+                continue;
+            }
             long long low = LLONG_MAX;
             long long high = LLONG_MIN;
             for (long long x = a.low; x <= a.high; ++x) {
@@ -179,8 +227,15 @@ TEST(ZorWBValueArithmetic, IntegerIntervalResultsAreTheHullsOfTheirImages) {
                 << "]";
         }
     }
-    // x^0 is 1 for every x, 0 included.
+    // x^0 is 1 for every x, 0 included; [7, 9] / 2 truncates to [3, 4],
+    // while two integers still divide exactly.
     ZorWBEnvironment environment;
+    ZorWBValue quotient =
+        ZorWBDiv(environment, ZorWBValue(ZorWBIntegerInterval{7, 9}), ZorWBValue(2));
+    ASSERT_EQ(quotient.GetType(), ZorWBIntegerIntervalType);
+    EXPECT_EQ(quotient.GetAsIntegerInterval().low, 3);
+    EXPECT_EQ(quotient.GetAsIntegerInterval().high, 4);
+    EXPECT_TRUE(ZorWBDiv(environment, ZorWBValue(7), ZorWBValue(2)).IsAFraction());
     ZorWBValue one = ZorWBPow(environment, ZorWBValue(ZorWBIntegerInterval{-2, 3}), ZorWBValue(0));
     ASSERT_EQ(one.GetType(), ZorWBIntegerIntervalType);
     EXPECT_EQ(one.GetAsIntegerInterval().low, 1);
@@ -432,8 +487,14 @@ TEST(ZorWBValueArithmetic, EnumerationResults) {
     ZorWBValue sum = ZorWBSum(environment, a, b);
     ASSERT_EQ(sum.GetType(), ZorWBIntegerEnumType);
     EXPECT_TRUE(HoldsExactly(sum, {11, 12, 13, 21, 22, 23}));
-    EXPECT_TRUE(HoldsExactly(ZorWBDiv(environment, a, ZorWBValue(2)), {0.5, 1, 1.5}));
-    EXPECT_EQ(ZorWBDiv(environment, a, ZorWBValue(2)).GetType(), ZorWBRealEnumType);
+    // Integer enumerations divide as sets of integers, element by element.
+    EXPECT_TRUE(HoldsExactly(ZorWBDiv(environment, a, ZorWBValue(2)), {0, 1}));
+    EXPECT_EQ(ZorWBDiv(environment, a, ZorWBValue(2)).GetType(), ZorWBIntegerEnumType);
+    EXPECT_TRUE(HoldsExactly(ZorWBDiv(environment, a, ZorWBValue(2.0)), {0.5, 1, 1.5}));
+    const int withZero[] = {0, 2};
+    ZorWBValue divisors;
+    divisors.Set(2, withZero);
+    EXPECT_TRUE(ZorWBDiv(environment, a, divisors).GetIntegerEnum().IsAny());
     EXPECT_EQ(ZorWBSum(environment, a, ZorWBValue(0.5)).GetType(), ZorWBRealEnumType);
     // An integer interval operand is listed when it is narrow.
     EXPECT_TRUE(HoldsExactly(ZorWBMul(environment, ZorWBValue(ZorWBIntegerInterval{1, 3}), b),

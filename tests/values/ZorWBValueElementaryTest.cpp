@@ -327,5 +327,12 @@ TEST(ZorWBValueElementary, RoundingToAStep) {
                                  .GetAsRealInterval();
     EXPECT_EQ(hull.low, 0.0);
     EXPECT_EQ(hull.high, 1.5);
+    // Integer sets round by the quotients of their numbers, not by the
+    // truncating division of integer sets: 7 / 2 and 9 / 2 round to 4 and 5.
+    ZorWBRealInterval integers = ZorWBRound(environment, ZorWBValue(ZorWBIntegerInterval{7, 9}),
+                                            ZorWBValue(2), ZorWBValue(0))
+                                     .GetAsRealInterval();
+    EXPECT_EQ(integers.low, 8.0);
+    EXPECT_EQ(integers.high, 10.0);
     EXPECT_EQ(environment.GetError(), 0u);
 }
