@@ -140,18 +140,24 @@ void ElementCollector::Add(const ZorWBValue& result) {
 // A set of integers: one number is an element, a wider set spreads the
 // result to a hull.
 void ElementCollector::AddSet(const ZorWBIntegerInterval& result) {
-    if (result.low == result.high || _local.GetError() != ZorWBError::None) {
+    if (result.low == result.high) {
         Store(IntegerToReal(result.low), true);
         return;
     }
-    ++_attempts;
-    _spread = ZorWBUnite(_spread, ZorWBCreateRealInterval(result));
+    if (!Failed(0.0)) _spread = ZorWBUnite(_spread, ZorWBCreateRealInterval(result));
+}
+
+// Whether the element just computed failed (a NaN is a domain error); the
+// codes of the failure are kept for the environment.
+bool ElementCollector::Failed(double result) {
+    unsigned int codes = _local.GetError();
+    if (result != result) codes |= ZorWBError::Domain;
+    _errors |= codes;
+    return codes != ZorWBError::None;
 }
 
 void ElementCollector::Store(double result, bool isInteger) {
-    ++_attempts;
-    bool failed = _local.GetError() != ZorWBError::None || result != result;
-    if (failed || _count >= _capacity) return;
+    if (Failed(result) || _count >= _capacity) return;
     _values[_count++] = result;
     _allIntegers = _allIntegers && isInteger;
 }
@@ -201,11 +207,9 @@ ZorWBValue ElementCollector::Hull(const double* values, long long count) const {
 }
 
 ZorWBValue ElementCollector::Finish(bool integersWhenEmpty) {
+    if (_errors != ZorWBError::None) _environment.SetError(_errors);
     bool spread = !ZorWBIsEmpty(_spread);
-    if (_count == 0 && !spread) {
-        if (_attempts > 0) _environment.SetError(ZorWBError::Domain);
-        return NilEnum(integersWhenEmpty);
-    }
+    if (_count == 0 && !spread) return NilEnum(integersWhenEmpty);
     double* first = _values.get();
     std::sort(first, first + _count);
     if (spread) return Hull(first, _count);

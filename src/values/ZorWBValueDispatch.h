@@ -195,10 +195,10 @@ ZorWBValue EnumFromInterval(const ZorWBEnvironment& environment, const ZorWBValu
 // tolerance), an integer enumeration when every result is an integer, the
 // hull in interval representation when there are more distinct results than
 // the environment's maximum enumeration size or when a result is an interval
-// wider than one number. Each element is computed under
-// a private copy of the environment: an element whose computation fails is
-// left out, as an interval function clips its operand to the domain; when
-// every element fails the result is nil and error 1 is set.
+// wider than one number. Each element is computed under a private copy of
+// the environment, so that a failure is told apart: an element whose
+// computation fails adds no element, and its error codes (1 for a domain
+// error) reach the environment; when every element fails the result is nil.
 class ElementCollector {
   public:
     ElementCollector(const ZorWBEnvironment& environment, long long capacity);
@@ -217,6 +217,7 @@ class ElementCollector {
     ZorWBValue Finish(bool integersWhenEmpty);
 
   private:
+    bool Failed(double result);
     void Store(double result, bool isInteger);
     void AddSet(const ZorWBIntegerInterval& result);
     ZorWBValue Hull(const double* values, long long count) const;
@@ -226,7 +227,7 @@ class ElementCollector {
     std::unique_ptr<double[]> _values;
     long long _capacity;
     long long _count = 0;
-    long long _attempts = 0;
+    unsigned int _errors = ZorWBError::None;  // the codes of the failed elements
     bool _allIntegers = true;
     // The hull of the results wider than one number (empty while none is).
     ZorWBRealInterval _spread = ZorWBReal_Nil;

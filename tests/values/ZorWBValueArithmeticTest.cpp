@@ -135,6 +135,15 @@ TEST(ZorWBValueArithmetic, BinaryResultsHoldTheImagesOfTheirOperands) {
                         ASSERT_TRUE(HoldsExactly(result, images))
                             << operation.name << " of two lists";
                     }
+                    if (IsList(a) && IsList(b)) {
+                        bool undefinedPair = false;
+                        for (double x : ListElements(a))
+                            for (double y : ListElements(b))
+                                undefinedPair = undefinedPair || std::isnan(point(x, y));
+                        ASSERT_EQ((environment.GetError() & 1) != 0, undefinedPair)
+                            << operation.name << "(" << Describe(a) << ", " << Describe(b)
+                            << "): a domain error exactly where a pair has no image";
+                    }
                 }
             }
         }
@@ -520,12 +529,14 @@ TEST(ZorWBValueArithmetic, EnumerationResults) {
         ZorWBMul(environment, zeros, ZorWBValue(ZorWBIntegerEnum(ZorWBEnumAny))), {0}));
     EXPECT_EQ(environment.GetError(), 0u);
 
-    // An element outside the domain is left out; all of them is error 1.
+    // An element outside the domain adds no element, and is a domain error;
+    // all of them leave nothing.
     const double reals[] = {-1.0, 4.0};
     ZorWBValue roots;
     roots.Set(2, reals);
     EXPECT_TRUE(HoldsExactly(ZorWBSqrt(environment, roots), {2.0}));
-    EXPECT_EQ(environment.GetError(), 0u);
+    EXPECT_EQ(environment.GetError(), 1u);
+    environment.ClearError();
     const double negatives[] = {-1.0, -4.0};
     roots.Set(2, negatives);
     EXPECT_TRUE(ZorWBSqrt(environment, roots).GetRealEnum().IsNil());

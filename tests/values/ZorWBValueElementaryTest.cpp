@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 
@@ -107,6 +108,15 @@ TEST(ZorWBValueElementary, UnaryResultsHoldTheImagesOfTheirOperands) {
                 }
                 if (IsList(a) && !images.empty()) {
                     ASSERT_TRUE(HoldsExactly(result, images)) << operation.name << " of a list";
+                }
+                if (IsList(a)) {
+                    std::vector<double> elements = ListElements(a);
+                    bool undefined = std::any_of(elements.begin(), elements.end(), [&](double x) {
+                        return std::isnan(operation.point(x));
+                    });
+                    ASSERT_EQ((environment.GetError() & 1) != 0, undefined)
+                        << operation.name << "(" << Describe(a)
+                        << "): a domain error exactly where an element has no image";
                 }
                 bool integerKind = kind == ZorWBIntegerType || kind == ZorWBIntegerIntervalType ||
                                    kind == ZorWBIntegerEnumType;
