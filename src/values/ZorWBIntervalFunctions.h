@@ -127,7 +127,8 @@ ZORWBX_API ZorWBRealInterval ZorWBPow(const ZorWBEnvironment& environment,
                                       const ZorWBRealInterval& base,
                                       const ZorWBRealInterval& exponent);
 // Any base. The exponent 0 gives [1, 1]; a negative exponent with a base
-// holding 0 gives the whole line without an error.
+// holding or touching 0 is unbounded on the sides the base reaches 0 from
+// ([0, 2]^-1 is [0.5, +inf), [-1, 1]^-2 is [1, +inf)), without an error.
 ZORWBX_API ZorWBRealInterval ZorWBPow(const ZorWBEnvironment& environment,
                                       const ZorWBRealInterval& base, int exponent);
 // The real degree-th roots of x that lie in range (both branches for even

@@ -107,12 +107,15 @@ TEST(ZorWBIntervalPower, IntegerExponentIsSoundAndTight) {
         const ZorWBEnvironment environment(0);
         const R result = ZorWBPow(environment, base, exponent);
         ASSERT_EQ(environment.GetError(), 0u);
-        if (exponent < 0 && base.low <= 0.0 && 0.0 <= base.high) {
-            ASSERT_TRUE(ZorWBIsInfinite(result));  // as a quotient by an interval holding 0
-            continue;
-        }
         std::vector<double> samples = bases.Samples(base, 16);
-        if (base.low < 0.0 && 0.0 < base.high) samples.push_back(0.0);
+        // 0 is reached from the sides the base holds (from both when it is
+        // 0 alone): a negative power is infinite there, with the sign of the
+        // side's values.
+        samples.erase(std::remove(samples.begin(), samples.end(), 0.0), samples.end());
+        const bool holdsZero = base.low <= 0.0 && 0.0 <= base.high;
+        const bool zeroAlone = base.low == base.high;
+        if (holdsZero && (base.low < 0.0 || zeroAlone)) samples.push_back(-0.0);
+        if (holdsZero && (base.high > 0.0 || zeroAlone)) samples.push_back(0.0);
         ObservedHull observed;
         for (double x : samples)
             observed.Add(ClampToLimit(std::pow(x, exponent)));
@@ -125,6 +128,16 @@ TEST(ZorWBIntervalPower, IntegerExponentIsSoundAndTight) {
     EXPECT_TRUE(Is(ZorWBPow(environment, R{-2, 3}, 2), 0, 9));
     EXPECT_TRUE(Is(ZorWBPow(environment, R{-2, -1}, -2), 0.25, 1));
     EXPECT_TRUE(Is(ZorWBPow(environment, R{10, 10}, 40), L, L));
+    // A negative power of a base that holds or touches 0: unbounded on the
+    // sides the base reaches 0 from, as with a real exponent.
+    EXPECT_TRUE(Is(ZorWBPow(environment, R{0, 2}, -1), 0.5, L));
+    EXPECT_TRUE(Is(ZorWBPow(environment, R{-1, 1}, -2), 1, L));
+    EXPECT_TRUE(Is(ZorWBPow(environment, R{-2, 0}, -1), -L, -0.5));
+    EXPECT_TRUE(Is(ZorWBPow(environment, R{-2, 0}, -2), 0.25, L));
+    EXPECT_TRUE(Is(ZorWBPow(environment, R{-1, 1}, -1), -L, L));
+    EXPECT_TRUE(Is(ZorWBPow(environment, R{0, 0}, -2), L, L));
+    EXPECT_TRUE(Is(ZorWBPow(environment, R{0, 0}, -1), -L, L));
+    EXPECT_EQ(environment.GetError(), 0u);
 }
 
 TEST(ZorWBIntervalRoot, BranchesAreSoundAndTight) {

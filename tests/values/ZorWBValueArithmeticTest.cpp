@@ -375,6 +375,16 @@ TEST(ZorWBValueArithmetic, IntegerQuotientsAndPowersAreExact) {
             .GetAsIntegerInterval();
     EXPECT_EQ(squares.low, 0);
     EXPECT_EQ(squares.high, 9);
+    // A negative power of a base that reaches 0 is unbounded on that side only.
+    ZorWBRealInterval inverses =
+        ZorWBPow(environment, ZorWBValue(ZorWBIntegerInterval{-1, 1}), ZorWBValue(-2))
+            .GetAsRealInterval();
+    EXPECT_EQ(inverses.low, 1.0);
+    EXPECT_EQ(inverses.high, ZorWBRealLimit);
+    EXPECT_EQ(ZorWBPow(environment, ZorWBValue(ZorWBRealInterval{0, 2}), ZorWBValue(-1.0))
+                  .GetAsRealInterval()
+                  .low,
+              0.5);
     EXPECT_EQ(environment.GetError(), 0u);
 
     // Division by zero follows the scalar rules: 0 / 0 quietly plus infinity.
