@@ -13,8 +13,9 @@
 // round-to-nearest and no outward rounding; every real result is normalised
 // (an inverted or out-of-range result is the empty interval, bounds are
 // clamped to the whole line); functions with a restricted domain clip their
-// argument to it, set error 1 when nothing remains, and give the empty
-// interval whenever the environment already holds an error.
+// argument to it without widening it onto the domain's edge, set error 1
+// when nothing remains, and give the empty interval whenever the
+// environment already holds an error.
 
 // ------------------------------------------------------------ construction
 ZORWBX_API ZorWBIntegerInterval ZorWBCreateIntegerInterval(int value);

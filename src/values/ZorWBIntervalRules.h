@@ -98,16 +98,18 @@ bool AcceptOperands(const ZorWBEnvironment& environment, const Intervals&... ope
 
 // The operand checks of a function defined on [domainLow, domainHigh]: the
 // argument is clipped to the domain (a NaN bound counts as unknown and takes
-// the domain's bound); nothing left is a domain error. An argument that
-// touches the domain only within the emptiness tolerance becomes the point
-// on the domain's edge, so the function is never evaluated outside it.
+// the domain's bound). Clipping never widens: an argument that lies wholly
+// beyond an edge of the domain, however close to it, leaves nothing, which
+// is a domain error. The clipped bounds lie in the domain, so the function
+// is never evaluated outside it.
 inline bool AcceptInDomain(const ZorWBEnvironment& environment, const ZorWBRealInterval& x,
                            double domainLow, double domainHigh, ZorWBRealInterval& clipped) {
     if (RejectEmpty(environment, x)) return false;
+    if (x.high < domainLow || x.low > domainHigh) {
+        environment.SetError(ZorWBError::Domain);
+        return false;
+    }
     clipped = {std::fmax(x.low, domainLow), std::fmin(x.high, domainHigh)};
-    if (RejectEmpty(environment, clipped)) return false;
-    clipped.low = std::fmin(clipped.low, domainHigh);
-    clipped.high = std::fmax(clipped.high, domainLow);
     return !IsBlocked(environment);
 }
 
