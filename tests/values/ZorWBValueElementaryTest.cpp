@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <vector>
 
+#include "TestAllocator.h"
 #include "ValueTestSupport.h"
 #include "values/ZorWBValueFunctions.h"
 
@@ -345,4 +347,45 @@ TEST(ZorWBValueElementary, RoundingToAStep) {
     EXPECT_EQ(integers.low, 8.0);
     EXPECT_EQ(integers.high, 10.0);
     EXPECT_EQ(environment.GetError(), 0u);
+}
+
+// Listed steps and origins are combined one by one up to the cap on element
+// combinations that every element-wise computation has; beyond it the
+// enumerations go through their hulls. The work done is counted by the
+// allocations (each combination of an enumerated value allocates), not
+// timed.
+TEST(ZorWBValueElementary, RoundingToListedStepsBeyondTheCombinationCapGoesThroughTheHulls) {
+    ZorWBEnvironment environment;
+    const double values[] = {0.3, 1.7};
+    std::vector<double> steps;
+    std::vector<double> origins;
+    for (int i = 0; i < 300; ++i) {
+        steps.push_back(0.5 + 0.01 * i);
+        origins.push_back(0.001 * i);
+    }
+    ZorWBValue a;
+    a.Set(2, values);
+    ZorWBValue step;
+    step.Set(static_cast<int>(steps.size()), steps.data());
+    ZorWBValue origin;
+    origin.Set(static_cast<int>(origins.size()), origins.data());
+    std::size_t before = AllocationCount();
+    ZorWBValue rounded = ZorWBRound(environment, a, step, origin);
+    EXPECT_LT(AllocationCount() - before, 1000u) << "2 x 300 x 300 combinations, one by one";
+    ASSERT_EQ(rounded.GetType(), ZorWBRealEnumType);
+    EXPECT_EQ(rounded.GetRealEnum().GetRep(), ZorWBEnumInterval);
+    for (double x : values)
+        for (std::size_t i = 0; i < steps.size(); i += 7)
+            for (std::size_t j = 0; j < origins.size(); j += 11) {
+                double image = origins[j] + steps[i] * std::round((x - origins[j]) / steps[i]);
+                ASSERT_TRUE(Holds(rounded, image)) << x << " " << steps[i] << " " << origins[j];
+            }
+    EXPECT_EQ(environment.GetError(), 0u);
+    // Below the cap each combination is computed: the images exactly.
+    const double fewSteps[] = {2.0, 3.0};
+    const double fewOrigins[] = {0.0, 0.5};
+    step.Set(2, fewSteps);
+    origin.Set(2, fewOrigins);
+    EXPECT_TRUE(
+        HoldsExactly(ZorWBRound(environment, ZorWBValue(7.0), step, origin), {8.0, 6.0, 6.5, 6.5}));
 }
