@@ -81,6 +81,13 @@ inline ZorWBIntegerInterval IntervalDomainError(const ZorWBEnvironment& environm
     return IntegerIntervalDomainError(environment);
 }
 
+// The number that an exact value (ZorWBIsExact) stands for, whatever its
+// kind: the one point of its hull. A boolean reads as its integer.
+inline double ExactNumber(const ZorWBValue& exact) {
+    if (exact.IsAKindOf(ZorWBBooleanType)) return exact.GetAsInteger();
+    return exact.GetAsRealInterval().low;
+}
+
 // The value of a real image that an interval function computed for a single
 // operand: a real when it is one point, else the interval (several branches,
 // or empty).

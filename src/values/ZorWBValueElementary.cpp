@@ -352,7 +352,7 @@ struct StepFunction : RealFunction<StepFunction> {
 
 bool IsExactZero(const ZorWBEnvironment& environment, const ZorWBValue& value) {
     if (!ZorWBIsExact(environment, value) || value.IsAKindOf(ZorWBBooleanType)) return false;
-    return value.GetAsReal() == 0.0;
+    return ExactNumber(value) == 0.0;
 }
 
 // origin + step * round((a - origin) / step) on values; a zero step leaves a.

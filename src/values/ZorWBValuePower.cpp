@@ -267,7 +267,7 @@ DegreeForm ReadDegree(const ZorWBEnvironment& environment, const ZorWBValue& deg
         return DegreeForm::Integer;
     }
     if (!ZorWBIsExact(environment, degree)) return DegreeForm::Invalid;
-    real = degree.IsAKindOf(ZorWBBooleanType) ? degree.GetAsInteger() : degree.GetAsReal();
+    real = ExactNumber(degree);
     if (IsIntegral(real) && std::fabs(real) <= ZorWBIntegerMax) {
         n = static_cast<int>(real);
         return DegreeForm::Integer;

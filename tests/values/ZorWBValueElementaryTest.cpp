@@ -240,6 +240,13 @@ TEST(ZorWBValueElementary, RootsAndTheirBranches) {
     EXPECT_EQ(ZorWBRoot(environment, ZorWBValue(4), ZorWBValue(2.0)).GetAsInteger(), 2);
     EXPECT_EQ(ZorWBRoot(environment, ZorWBValue(4.0), ZorWBValue(-2)).GetAsReal(), 0.5);
     EXPECT_DOUBLE_EQ(ZorWBRoot(environment, ZorWBValue(8.0), ZorWBValue(1.5)).GetAsReal(), 4.0);
+    // A degree held as a one-point set is that number.
+    EXPECT_EQ(ZorWBRoot(environment, ZorWBValue(27), ZorWBValue(ZorWBIntegerInterval{3, 3}))
+                  .GetAsInteger(),
+              3);
+    EXPECT_EQ(
+        ZorWBRoot(environment, ZorWBValue(4.0), ZorWBValue(ZorWBRealInterval{2, 2})).GetAsReal(),
+        2.0);
     ZorWBValue negative(ZorWBRealInterval{-3.0, -1.0});
     EXPECT_EQ(ZorWBRoot(environment, ZorWBValue(4), ZorWBValue(2), &negative).GetAsReal(), -2.0);
     ZorWBValue both(ZorWBRealInterval{-3.0, 3.0});
@@ -329,6 +336,12 @@ TEST(ZorWBValueElementary, RoundingToAStep) {
         1.25);
     ZorWBValue unchanged = ZorWBRound(environment, ZorWBValue(1.26), ZorWBValue(0), ZorWBValue(3));
     EXPECT_EQ(unchanged.GetAsReal(), 1.26);
+    // A step held as a one-point interval is that number, not a zero step.
+    ZorWBValue pointStep(ZorWBRealInterval{0.25, 0.25});
+    EXPECT_DOUBLE_EQ(ZorWBRound(environment, ZorWBValue(1.26), pointStep, ZorWBValue(0.0))
+                         .GetAsRealInterval()
+                         .low,
+                     1.25);
     const int steps[] = {2, 3};
     ZorWBValue stepList;
     stepList.Set(2, steps);
