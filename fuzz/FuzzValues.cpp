@@ -31,6 +31,8 @@ struct BinaryCase {
     const char* name;
     Binary function;
     double (*point)(double, double);  // NaN where undefined
+    // Where sets of integers compute otherwise (null: as point).
+    double (*integerSetPoint)(double, double) = nullptr;
 };
 
 ZorWBValue Asin(const ZorWBEnvironment& e, const ZorWBValue& a) {
@@ -100,8 +102,11 @@ const BinaryCase BinaryCases[] = {
     {"Sum", ZorWBSum, [](double x, double y) { return x + y; }},
     {"Sub", ZorWBSub, [](double x, double y) { return x - y; }},
     {"Mul", ZorWBMul, [](double x, double y) { return x * y; }},
+    // Sets of integers divide by the integer interval division: the truncated
+    // quotients (and every integer by a divisor that holds 0).
     {"Div", ZorWBDiv,
-     [](double x, double y) { return y == 0.0 ? (x == 0.0 ? INFINITY : NAN) : x / y; }},
+     [](double x, double y) { return y == 0.0 ? (x == 0.0 ? INFINITY : NAN) : x / y; },
+     [](double x, double y) { return y == 0.0 ? NAN : std::trunc(x / y); }},
     {"Mod", ZorWBMod, FlooredMod},
     {"Min", ZorWBMin, [](double x, double y) { return std::min(x, y); }},
     {"Max", ZorWBMax, [](double x, double y) { return std::max(x, y); }},
@@ -407,11 +412,15 @@ void CheckBinary(FuzzBytes& in) {
     if (result.GetType() == ZorWBUndefinedType &&
         (IsBooleanOrUndefined(a) || IsBooleanOrUndefined(b)))
         return;
+    ZorWBValueType common = ZorWBGetCommonType(environment, a, b);
+    bool integerSets = common == ZorWBIntegerIntervalType || common == ZorWBIntegerEnumType ||
+                       common == ZorWBBooleanType;
+    auto point = integerSets && op.integerSetPoint ? op.integerSetPoint : op.point;
     std::vector<double> xs = PointsOf(in, a);
     std::vector<double> ys = PointsOf(in, b);
     for (double x : xs)
         for (double y : ys)
-            CheckImage(environment, result, op.point(x, y),
+            CheckImage(environment, result, point(x, y),
                        std::string(op.name) + "(" + Describe(a) + ", " + Describe(b) + ") at " +
                            Text(x) + ", " + Text(y));
 }

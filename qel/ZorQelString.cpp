@@ -95,18 +95,26 @@ ZorQelString ZorQelString::Mid(int first, int count) const {
     return ZorQelString(_text.substr(static_cast<std::size_t>(first), length));
 }
 
-bool ZorQelString::ParseDouble(const char* text, double& value) {
+namespace {
+
+// The whole of text as one number. std::from_chars reads a minus sign only:
+// a leading plus sign is passed here, but not when another sign follows it,
+// since a number carries at most one sign.
+template <class Number>
+bool ParseWhole(const char* text, Number& value) {
     if (!text || !*text) return false;
     const char* end = text + std::strlen(text);
-    if (*text == '+') ++text;
+    if (*text == '+' && text[1] != '-') ++text;
     auto result = std::from_chars(text, end, value);
     return result.ec == std::errc() && result.ptr == end;
 }
 
+}  // namespace
+
+bool ZorQelString::ParseDouble(const char* text, double& value) {
+    return ParseWhole(text, value);
+}
+
 bool ZorQelString::ParseInt(const char* text, int& value) {
-    if (!text || !*text) return false;
-    const char* end = text + std::strlen(text);
-    if (*text == '+') ++text;
-    auto result = std::from_chars(text, end, value);
-    return result.ec == std::errc() && result.ptr == end;
+    return ParseWhole(text, value);
 }

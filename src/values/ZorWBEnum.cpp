@@ -136,11 +136,20 @@ bool ZorWBIntegerEnum::MakeListForUpdate() {
     }
 }
 
+namespace {
+
+// The largest finite integers are elements like any other; only the bounds
+// beyond them (the infinity markers) are infinite ends.
+bool IsFiniteHull(const ZorWBIntegerInterval& hull) {
+    return hull.low >= -ZorWBIntegerMax && hull.high <= ZorWBIntegerMax;
+}
+
+}  // namespace
+
 bool ZorWBIntegerEnum::ExpandInterval() {
     ZorWBIntegerInterval hull = GetAsIntegerInterval();
     long long width = static_cast<long long>(hull.high) - hull.low;
-    if (width >= MaxExpansion || hull.low <= -ZorWBIntegerMax || hull.high >= ZorWBIntegerMax)
-        return false;
+    if (width >= MaxExpansion || !IsFiniteHull(hull)) return false;
     Reset(ZorWBEnumList);
     if (width < 0) return true;
     if (!SetSize(static_cast<int>(width) + 1)) {
@@ -231,10 +240,9 @@ void ZorWBIntegerEnum::Correct(const ZorWBEnvironment& environment) {
     if (GetRep() == ZorWBEnumInterval) {
         ZorWBIntegerInterval hull = GetAsIntegerInterval();
         long long width = static_cast<long long>(hull.high) - hull.low;
-        bool finite = hull.low > -ZorWBIntegerMax && hull.high < ZorWBIntegerMax;
         if (width < 0)
             SetNil();
-        else if (finite && width < environment.GetMaxEnumSize())
+        else if (IsFiniteHull(hull) && width < environment.GetMaxEnumSize())
             ExpandInterval();
     } else if (GetRep() == ZorWBEnumList && GetSize() == 0) {
         SetNil();

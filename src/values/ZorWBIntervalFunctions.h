@@ -13,8 +13,9 @@
 // round-to-nearest and no outward rounding; every real result is normalised
 // (an inverted or out-of-range result is the empty interval, bounds are
 // clamped to the whole line); functions with a restricted domain clip their
-// argument to it, set error 1 when nothing remains, and give the empty
-// interval whenever the environment already holds an error.
+// argument to it without widening it onto the domain's edge, set error 1
+// when nothing remains, and give the empty interval whenever the
+// environment already holds an error.
 
 // ------------------------------------------------------------ construction
 ZORWBX_API ZorWBIntegerInterval ZorWBCreateIntegerInterval(int value);
@@ -127,7 +128,8 @@ ZORWBX_API ZorWBRealInterval ZorWBPow(const ZorWBEnvironment& environment,
                                       const ZorWBRealInterval& base,
                                       const ZorWBRealInterval& exponent);
 // Any base. The exponent 0 gives [1, 1]; a negative exponent with a base
-// holding 0 gives the whole line without an error.
+// holding or touching 0 is unbounded on the sides the base reaches 0 from
+// ([0, 2]^-1 is [0.5, +inf), [-1, 1]^-2 is [1, +inf)), without an error.
 ZORWBX_API ZorWBRealInterval ZorWBPow(const ZorWBEnvironment& environment,
                                       const ZorWBRealInterval& base, int exponent);
 // The real degree-th roots of x that lie in range (both branches for even

@@ -98,16 +98,18 @@ bool AcceptOperands(const ZorWBEnvironment& environment, const Intervals&... ope
 
 // The operand checks of a function defined on [domainLow, domainHigh]: the
 // argument is clipped to the domain (a NaN bound counts as unknown and takes
-// the domain's bound); nothing left is a domain error. An argument that
-// touches the domain only within the emptiness tolerance becomes the point
-// on the domain's edge, so the function is never evaluated outside it.
+// the domain's bound). Clipping never widens: an argument that lies wholly
+// beyond an edge of the domain, however close to it, leaves nothing, which
+// is a domain error. The clipped bounds lie in the domain, so the function
+// is never evaluated outside it.
 inline bool AcceptInDomain(const ZorWBEnvironment& environment, const ZorWBRealInterval& x,
                            double domainLow, double domainHigh, ZorWBRealInterval& clipped) {
     if (RejectEmpty(environment, x)) return false;
+    if (x.high < domainLow || x.low > domainHigh) {
+        environment.SetError(ZorWBError::Domain);
+        return false;
+    }
     clipped = {std::fmax(x.low, domainLow), std::fmin(x.high, domainHigh)};
-    if (RejectEmpty(environment, clipped)) return false;
-    clipped.low = std::fmin(clipped.low, domainHigh);
-    clipped.high = std::fmax(clipped.high, domainLow);
     return !IsBlocked(environment);
 }
 
@@ -171,14 +173,32 @@ inline double IntegerPower(double x, int exponent) {
     return ClampToLine(ZorWBRealPower(x, static_cast<double>(exponent)));
 }
 
+// x^exponent (exponent < 0) over a base that holds or touches 0: the hull
+// of the images of the base's two sides, each unbounded towards 0 (plus
+// infinity for even exponents, the side's sign for odd ones), as the real
+// exponent form has it. A base that is 0 alone reaches 0 from both sides.
+inline ZorWBRealInterval NegativePowerAcrossZero(const ZorWBRealInterval& base, int exponent) {
+    const bool even = exponent % 2 == 0;
+    const bool fromAbove = base.high > 0.0 || base.low == base.high;
+    const bool fromBelow = base.low < 0.0 || base.low == base.high;
+    ZorWBRealInterval hull = ZorWBReal_Nil;
+    if (fromAbove) hull = ZorWBUnite(hull, {IntegerPower(base.high, exponent), ZorWBRealLimit});
+    if (fromBelow && even)
+        hull = ZorWBUnite(hull, {IntegerPower(base.low, exponent), ZorWBRealLimit});
+    if (fromBelow && !even)
+        hull = ZorWBUnite(hull, {-ZorWBRealLimit, IntegerPower(base.low, exponent)});
+    return hull;
+}
+
 // Any base for an integer exponent. The exponent 0 gives [1, 1] even where
-// the base holds 0. A negative exponent with a base holding 0 gives the
-// whole line without an error, as a quotient by an interval holding 0 does.
+// the base holds 0; a negative exponent is unbounded where the base reaches
+// 0, without an error.
 inline ZorWBRealInterval PowerOf(const ZorWBEnvironment& environment, const ZorWBRealInterval& base,
                                  int exponent) {
     if (!AcceptOperands(environment, base)) return ZorWBReal_Nil;
     if (exponent == 0) return {1.0, 1.0};
-    if (exponent < 0 && base.low <= 0.0 && 0.0 <= base.high) return ZorWBReal_Any;
+    if (exponent < 0 && base.low <= 0.0 && 0.0 <= base.high)
+        return NegativePowerAcrossZero(base, exponent);
     const auto power = [exponent](double v) { return IntegerPower(v, exponent); };
     if (exponent > 0 && exponent % 2 == 0) return EvenImage(base, power);
     // Odd powers, and negative powers on one side of 0, are monotone.

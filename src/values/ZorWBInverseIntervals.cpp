@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "values/ZorWBIntervalFunctions.h"
 #include "values/ZorWBInverseFunctions.h"
 #include "values/ZorWBInverseSets.h"
 
@@ -79,7 +80,8 @@ ZorWBIntegerInterval ZorWBInverseAbs(const ZorWBIntegerInterval& result,
 ZorWBRealInterval ZorWBInverseAbs(const ZorWBRealInterval& result,
                                   const ZorWBRealInterval& domain) {
     if (ZorWBInverseHasNaN(result) || ZorWBInverseHasNaN(domain)) return domain;
-    if (ZorWBInverseIsEmpty(result) || result.high < 0.0) return ZorWBReal_Nil;
+    if (ZorWBInverseIsEmpty(result) || ZorWBInverseIsEmpty(domain) || result.high < 0.0)
+        return ZorWBReal_Nil;
     double nearest = std::max(result.low, 0.0);
     ZorWBRealInterval candidate;
     if (domain.high < nearest)
@@ -88,7 +90,9 @@ ZorWBRealInterval ZorWBInverseAbs(const ZorWBRealInterval& result,
         candidate = {nearest, result.high};
     else
         candidate = {-result.high, result.high};
-    return ZorWBInverseClip(candidate, domain);
+    // The domain first: bounds snap onto the domain's, which the result
+    // never leaves.
+    return ZorWBIntersect(domain, candidate, ZorWBIntervalTolerance);
 }
 
 // ---------------------------------------------------------------- minimum and maximum

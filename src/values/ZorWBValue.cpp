@@ -17,13 +17,6 @@ double IntegerBoundToReal(int bound) {
     return bound;
 }
 
-int RealToIntegerSaturated(double value) {
-    if (std::isnan(value)) return 0;
-    if (value > ZorWBIntegerMax) return ZorWBIntegerPlusInfinity;
-    if (value < -ZorWBIntegerMax) return ZorWBIntegerMinusInfinity;
-    return static_cast<int>(std::lround(value));
-}
-
 // An integral real as an interval bound; beyond the finite range it is the
 // infinite end.
 int ClampToIntegerBound(double integral) {
@@ -257,19 +250,15 @@ bool ZorWBValue::IsConvertible(ZorWBValueType type) const {
     }
 }
 
+// An integer reads a boolean (true is 1); every other kind gives the
+// default 0.
 int ZorWBValue::ConvertToInteger() const {
-    switch (_type) {
-        case ZorWBIntegerType:
-            return _payload.ints[0];
-        case ZorWBBooleanType:
-            return _payload.ints[0] == ZorWBTrue ? 1 : 0;
-        case ZorWBUndefinedType:
-            return 0;
-        default:
-            return RealToIntegerSaturated(ConvertToReal());
-    }
+    if (_type == ZorWBBooleanType) return _payload.ints[0] == ZorWBTrue ? 1 : 0;
+    return 0;
 }
 
+// A real reads an integer and a fraction (every real function takes a
+// fraction by its real); every other kind gives the default 0.0.
 double ZorWBValue::ConvertToReal() const {
     switch (_type) {
         case ZorWBIntegerType:
@@ -281,13 +270,6 @@ double ZorWBValue::ConvertToReal() const {
             simplified.SimplifyFraction(true);
             return simplified.GetAsReal();  // simplifying to reals leaves no fraction
         }
-        case ZorWBBooleanType:
-            return _payload.ints[0] == ZorWBTrue ? 1.0 : 0.0;
-        case ZorWBIntegerIntervalType:
-        case ZorWBRealIntervalType:
-        case ZorWBIntegerEnumType:
-        case ZorWBRealEnumType:
-            return Midpoint(GetAsRealInterval());
         default:
             return 0.0;
     }
@@ -301,25 +283,19 @@ ZorWBBoolean ZorWBValue::GetAsBoolean() const {
             return static_cast<ZorWBBoolean>(_payload.ints[0]);
         case ZorWBIntegerType:
             return _payload.ints[0] != 0 ? ZorWBTrue : ZorWBFalse;
-        case ZorWBRealType:
-            return _payload.reals[0] != 0.0 ? ZorWBTrue : ZorWBFalse;
         case ZorWBIntegerIntervalType:
         case ZorWBIntegerEnumType: {
             ZorWBIntegerInterval hull = GetAsIntegerInterval();
             return BooleanOfHull(hull.low, hull.high);
         }
         case ZorWBFractionType: {
-            ZorWBValue simplified(*this);
-            simplified.SimplifyFraction(true);
-            return simplified.GetAsBoolean();
-        }
-        case ZorWBRealIntervalType:
-        case ZorWBRealEnumType: {
-            ZorWBRealInterval hull = GetAsRealInterval();
-            return BooleanOfHull(hull.low, hull.high);
+            // The number it simplifies to (an integer or a real) is true
+            // when it is not 0.
+            double number = GetAsReal();
+            return BooleanOfHull(number, number);
         }
         default:
-            return ZorWBUnknown;
+            return ZorWBUnknown;  // the real kinds, as an undefined value
     }
 }
 
@@ -369,10 +345,9 @@ ZorWBRealInterval ZorWBValue::ConvertToRealInterval() const {
             return _realEnum.GetAsRealInterval();
         case ZorWBIntegerIntervalType:
         case ZorWBIntegerEnumType:
-        case ZorWBBooleanType:
             return ToRealInterval(GetAsIntegerInterval());
         default:
-            return ZorWBReal_Any;
+            return ZorWBReal_Any;  // an undefined value or a boolean
     }
 }
 

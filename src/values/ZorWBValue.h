@@ -40,9 +40,13 @@ enum ZorWBBoolean : int {
 // hold elements, and are copied only for the enumeration kinds.
 //
 // Conversions never fail. Those that the kind table of IsConvertible does not
-// list give the nearest reading instead: a real reads an interval or an
-// enumeration as the midpoint of its hull, an integer reads a real rounded,
-// and an integer interval reads the integers inside a real interval.
+// list give the default result, what the same getter gives for an undefined
+// value: 0, 0.0, the whole line, unknown (so a real 3.7 reads as the integer
+// 0). Beyond the table, a fraction reads as its real (every real function
+// takes it so), an integer interval reads the integers inside any value, and
+// the enumeration getters read the scalars, intervals and enumerations that
+// an enumeration of their number type absorbs. GetMiddle is the midpoint of
+// a value's hull.
 class ZORWBX_API ZorWBValue {
   public:
     ZorWBValue() = default;

@@ -117,12 +117,12 @@ struct MulOperator : ExactIntegerOperator<MulOperator> {
     }
 };
 
-// The quotient of two integers is exact: an integer when the division is
-// exact, otherwise the reduced fraction. By zero it follows the scalar
-// division: 0 / 0 is the plus-infinity marker without an error, n / 0 error 1
-// and the minus-infinity marker. Integer intervals divide as real intervals,
-// since their quotients are not integers.
-struct DivOperator : OperatorBase {
+// The quotient of the numbers the operands stand for. Two integers divide
+// exactly: an integer when the division is exact, otherwise the reduced
+// fraction. By zero it follows the scalar division: 0 / 0 is the
+// plus-infinity marker without an error, n / 0 error 1 and the minus-infinity
+// marker. Integer intervals divide as real intervals.
+struct QuotientOperator : OperatorBase {
     ZorWBValue Integer(const ZorWBEnvironment& environment, int x, int y) const {
         if (!IsFiniteInteger(x) || !IsFiniteInteger(y))
             return ZorWBValue(Real(environment, IntegerToReal(x), IntegerToReal(y)));
@@ -153,6 +153,19 @@ struct DivOperator : OperatorBase {
     ZorWBRealInterval RealInterval(const ZorWBEnvironment& environment, const ZorWBRealInterval& x,
                                    const ZorWBRealInterval& y) const {
         return ZorWBDiv(environment, x, y);
+    }
+};
+
+// The quotient of the value functions: two integers divide exactly, but
+// integer intervals and integer enumerations are sets of integers and divide
+// by the integer interval division, element by element for lists: the
+// truncated quotients, and every integer when the divisor holds 0.
+struct DivOperator : QuotientOperator {
+    static constexpr bool IntegerElementsAsSets = true;
+
+    ZorWBValue IntegerInterval(const ZorWBEnvironment& environment, const ZorWBIntegerInterval& x,
+                               const ZorWBIntegerInterval& y) const {
+        return ZorWBValue(ZorWBDiv(environment, x, y));
     }
 };
 
@@ -273,6 +286,11 @@ ZorWBValue ZorWBMul(const ZorWBEnvironment& environment, const ZorWBValue& a, co
 
 ZorWBValue ZorWBDiv(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b) {
     return ApplyBinary(environment, a, b, DivOperator());
+}
+
+ZorWBValue ZorWBDispatch::ExactQuotient(const ZorWBEnvironment& environment, const ZorWBValue& a,
+                                        const ZorWBValue& b) {
+    return ApplyBinary(environment, a, b, QuotientOperator());
 }
 
 ZorWBValue ZorWBMod(const ZorWBEnvironment& environment, const ZorWBValue& a, const ZorWBValue& b) {

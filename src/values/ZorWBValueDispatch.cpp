@@ -131,14 +131,33 @@ ElementCollector::ElementCollector(const ZorWBEnvironment& environment, long lon
 void ElementCollector::Add(const ZorWBValue& result) {
     if (result.IsAKindOf(ZorWBIntegerType))
         Store(IntegerToReal(result.GetAsInteger()), true);  // markers as real infinities
+    else if (result.IsAKindOf(ZorWBIntegerIntervalType))
+        AddSet(result.GetAsIntegerInterval());
     else
         Store(result.GetAsReal(), false);
 }
 
+// A set of integers: one number is an element, a wider set spreads the
+// result to a hull.
+void ElementCollector::AddSet(const ZorWBIntegerInterval& result) {
+    if (result.low == result.high) {
+        Store(IntegerToReal(result.low), true);
+        return;
+    }
+    if (!Failed(0.0)) _spread = ZorWBUnite(_spread, ZorWBCreateRealInterval(result));
+}
+
+// Whether the element just computed failed (a NaN is a domain error); the
+// codes of the failure are kept for the environment.
+bool ElementCollector::Failed(double result) {
+    unsigned int codes = _local.GetError();
+    if (result != result) codes |= ZorWBError::Domain;
+    _errors |= codes;
+    return codes != ZorWBError::None;
+}
+
 void ElementCollector::Store(double result, bool isInteger) {
-    ++_attempts;
-    bool failed = _local.GetError() != ZorWBError::None || result != result;
-    if (failed || _count >= _capacity) return;
+    if (Failed(result) || _count >= _capacity) return;
     _values[_count++] = result;
     _allIntegers = _allIntegers && isInteger;
 }
@@ -179,13 +198,21 @@ ZorWBValue RealElements(const ZorWBEnvironment& environment, const double* value
 
 }  // namespace
 
+// The hull of the elements and of the wider results, as an enumeration.
+ZorWBValue ElementCollector::Hull(const double* values, long long count) const {
+    ZorWBRealInterval hull = _spread;
+    if (count > 0) hull = ZorWBUnite(hull, {values[0], values[count - 1]});
+    if (_allIntegers) return EnumFromInterval(_environment, ZorWBCreateIntegerInterval(hull));
+    return EnumFromInterval(_environment, hull);
+}
+
 ZorWBValue ElementCollector::Finish(bool integersWhenEmpty) {
-    if (_count == 0) {
-        if (_attempts > 0) _environment.SetError(ZorWBError::Domain);
-        return NilEnum(integersWhenEmpty);
-    }
+    if (_errors != ZorWBError::None) _environment.SetError(_errors);
+    bool spread = !ZorWBIsEmpty(_spread);
+    if (_count == 0 && !spread) return NilEnum(integersWhenEmpty);
     double* first = _values.get();
     std::sort(first, first + _count);
+    if (spread) return Hull(first, _count);
     double tolerance = _allIntegers ? 0.5 : _environment.GetTolerance();
     long long distinct = 1;
     for (long long i = 1; i < _count; ++i) {

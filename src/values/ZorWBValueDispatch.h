@@ -12,6 +12,7 @@
 //   ZorWBValue IntegerInterval(env, interval...)   an integer or real interval
 //   ZorWBRealInterval RealInterval(env, interval...)
 //   bool ElementWise() const                       enumerations element by element
+//   static bool IntegerElementsAsSets              integer elements through IntegerInterval
 //
 // and, for one operand, how it reads a fraction and a boolean. The templates
 // do the rest, so the per-kind switch of the operators lives only here (the
@@ -78,6 +79,13 @@ inline ZorWBRealInterval IntervalDomainError(const ZorWBEnvironment& environment
 inline ZorWBIntegerInterval IntervalDomainError(const ZorWBEnvironment& environment,
                                                 const ZorWBIntegerInterval& /*kind*/) {
     return IntegerIntervalDomainError(environment);
+}
+
+// The number that an exact value (ZorWBIsExact) stands for, whatever its
+// kind: the one point of its hull. A boolean reads as its integer.
+inline double ExactNumber(const ZorWBValue& exact) {
+    if (exact.IsAKindOf(ZorWBBooleanType)) return exact.GetAsInteger();
+    return exact.GetAsRealInterval().low;
 }
 
 // The value of a real image that an interval function computed for a single
@@ -193,10 +201,11 @@ ZorWBValue EnumFromInterval(const ZorWBEnvironment& environment, const ZorWBValu
 // enumeration: sorted, without repeats (reals within the environment's
 // tolerance), an integer enumeration when every result is an integer, the
 // hull in interval representation when there are more distinct results than
-// the environment's maximum enumeration size. Each element is computed under
-// a private copy of the environment: an element whose computation fails is
-// left out, as an interval function clips its operand to the domain; when
-// every element fails the result is nil and error 1 is set.
+// the environment's maximum enumeration size or when a result is an interval
+// wider than one number. Each element is computed under a private copy of
+// the environment, so that a failure is told apart: an element whose
+// computation fails adds no element, and its error codes (1 for a domain
+// error) reach the environment; when every element fails the result is nil.
 class ElementCollector {
   public:
     ElementCollector(const ZorWBEnvironment& environment, long long capacity);
@@ -215,21 +224,36 @@ class ElementCollector {
     ZorWBValue Finish(bool integersWhenEmpty);
 
   private:
+    bool Failed(double result);
     void Store(double result, bool isInteger);
+    void AddSet(const ZorWBIntegerInterval& result);
+    ZorWBValue Hull(const double* values, long long count) const;
 
     const ZorWBEnvironment& _environment;
     ZorWBEnvironment _local;
     std::unique_ptr<double[]> _values;
     long long _capacity;
     long long _count = 0;
-    long long _attempts = 0;
+    unsigned int _errors = ZorWBError::None;  // the codes of the failed elements
     bool _allIntegers = true;
+    // The hull of the results wider than one number (empty while none is).
+    ZorWBRealInterval _spread = ZorWBReal_Nil;
 };
+
+// The quotient of the numbers that a and b stand for: two integers divide
+// exactly and integer intervals as real intervals (ZorWBDiv divides integer
+// sets as integers).
+ZorWBValue ExactQuotient(const ZorWBEnvironment& environment, const ZorWBValue& a,
+                         const ZorWBValue& b);
 
 // ------------------------------------------------------------ operator bases
 
-// Defaults shared by the operators.
+// Defaults shared by the operators. Elements of integer enumerations compute
+// by the exact integer form, or, for an operator whose integer sets compute
+// otherwise (IntegerElementsAsSets), by its integer interval form on the
+// single elements, so that a list agrees with its hull.
 struct OperatorBase {
+    static constexpr bool IntegerElementsAsSets = false;
     bool ElementWise() const { return true; }
     ZorWBValue Incompatible(const ZorWBEnvironment& environment) const {
         return IncompatibleKinds(environment);
@@ -339,6 +363,15 @@ ZorWBValue ApplyUnary(const ZorWBEnvironment& environment, const ZorWBValue& a, 
     }
 }
 
+// One pair of integer elements (the infinity markers compute as infinities,
+// by the integer form).
+template <class Op>
+ZorWBValue IntegerElement(const ZorWBEnvironment& environment, const Op& op, int x, int y) {
+    if (Op::IntegerElementsAsSets && IsFiniteInteger(x) && IsFiniteInteger(y))
+        return op.IntegerInterval(environment, {x, x}, {y, y});
+    return op.Integer(environment, x, y);
+}
+
 template <class Op>
 ZorWBValue BinaryOnEnums(const ZorWBEnvironment& environment, const ZorWBValue& a,
                          const ZorWBValue& b, bool integers, const Op& op) {
@@ -353,9 +386,9 @@ ZorWBValue BinaryOnEnums(const ZorWBEnvironment& environment, const ZorWBValue& 
             for (int i = 0; i < EnumSize(first); ++i) {
                 for (int j = 0; j < EnumSize(second); ++j) {
                     if (integers)
-                        collector.Add(op.Integer(collector.ElementEnvironment(),
-                                                 first.GetIntegerEnum().Get(i),
-                                                 second.GetIntegerEnum().Get(j)));
+                        collector.Add(IntegerElement(collector.ElementEnvironment(), op,
+                                                     first.GetIntegerEnum().Get(i),
+                                                     second.GetIntegerEnum().Get(j)));
                     else
                         collector.Add(op.Real(collector.ElementEnvironment(),
                                               first.GetRealEnum().Get(i),

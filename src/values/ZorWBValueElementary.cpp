@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 
 #include "values/ZorWBValueDispatch.h"
 #include "values/ZorWBValueFunctions.h"
@@ -351,7 +352,7 @@ struct StepFunction : RealFunction<StepFunction> {
 
 bool IsExactZero(const ZorWBEnvironment& environment, const ZorWBValue& value) {
     if (!ZorWBIsExact(environment, value) || value.IsAKindOf(ZorWBBooleanType)) return false;
-    return value.GetAsReal() == 0.0;
+    return ExactNumber(value) == 0.0;
 }
 
 // origin + step * round((a - origin) / step) on values; a zero step leaves a.
@@ -359,7 +360,7 @@ ZorWBValue RoundToStep(const ZorWBEnvironment& environment, const ZorWBValue& a,
                        const ZorWBValue& step, const ZorWBValue& origin) {
     if (IsExactZero(environment, step)) return a;
     ZorWBValue steps =
-        ZorWBRound(environment, ZorWBDiv(environment, ZorWBSub(environment, a, origin), step));
+        ZorWBRound(environment, ExactQuotient(environment, ZorWBSub(environment, a, origin), step));
     return ZorWBSum(environment, origin, ZorWBMul(environment, step, steps));
 }
 
@@ -370,6 +371,23 @@ bool IsMultipleList(const ZorWBValue& value) {
 ZorWBValue ListElement(const ZorWBValue& list, int i) {
     if (list.IsAKindOf(ZorWBIntegerEnumType)) return ZorWBValue(list.GetIntegerEnum().Get(i));
     return ZorWBValue(list.GetRealEnum().Get(i));
+}
+
+// The number of element combinations of the operands taken one by one (an
+// operand that is not a list counts once).
+long long ListCombinations(std::initializer_list<const ZorWBValue*> operands) {
+    long long combinations = 1;
+    for (const ZorWBValue* operand : operands)
+        if (IsEnumKind(operand->GetType()) && IsListEnum(*operand))
+            combinations *= std::max(EnumSize(*operand), 1);
+    return combinations;
+}
+
+// An enumeration as its hull interval; other values as they are.
+ZorWBValue HullOf(const ZorWBValue& value) {
+    if (value.IsAKindOf(ZorWBIntegerEnumType)) return ZorWBValue(value.GetAsIntegerInterval());
+    if (value.IsAKindOf(ZorWBRealEnumType)) return ZorWBValue(value.GetAsRealInterval());
+    return value;
 }
 
 // The rounding over every combination of an enumerated step or origin with
@@ -506,8 +524,9 @@ ZorWBValue ZorWBStep(const ZorWBEnvironment& environment, const ZorWBValue& a,
 // origin + step * round((a - origin) / step), rounding half away from zero;
 // a zero step gives a unchanged. For a single step and origin the chain of
 // monotone operations gives the exact image of a; an enumerated step or
-// origin is taken element by element (the results united); interval steps
-// and origins give a hull.
+// origin is taken element by element (the results united) up to the cap on
+// element combinations, beyond which the enumerations go through their
+// hulls; interval steps and origins give a hull.
 ZorWBValue ZorWBRound(const ZorWBEnvironment& environment, const ZorWBValue& a,
                       const ZorWBValue& step, const ZorWBValue& origin) {
     a.RecordEnv(environment);
@@ -518,7 +537,11 @@ ZorWBValue ZorWBRound(const ZorWBEnvironment& environment, const ZorWBValue& a,
     if (!TableKind(kinds[0], kinds[1]) || !TableKind(kinds[0], kinds[2]) ||
         !TableKind(kinds[1], kinds[2]))
         return IncompatibleKinds(environment);
-    if (IsMultipleList(step) || IsMultipleList(origin))
+    if (!IsMultipleList(step) && !IsMultipleList(origin))
+        return RoundToStep(environment, a, step, origin);
+    if (ListCombinations({&a, &step, &origin}) <= MaxElementCombinations)
         return RoundToStepLists(environment, a, step, origin);
-    return RoundToStep(environment, a, step, origin);
+    // Too many combinations: the hulls, as every element-wise computation.
+    return EnumFromInterval(environment,
+                            RoundToStep(environment, HullOf(a), HullOf(step), HullOf(origin)));
 }

@@ -12,7 +12,9 @@
 // overflow, 2 for kinds that cannot be combined. Nothing throws.
 //
 // Integer operands give an integer only where the exact result is an integer
-// of the finite range: 1 / 2 is the fraction one half, 2 ^ -1 too.
+// of the finite range: 1 / 2 is the fraction one half, 2 ^ -1 too. Integer
+// intervals and integer enumerations divide as sets of integers: [7, 9] / 2
+// is [3, 4].
 
 // The common kind of two operands from the kind-combination table (0 when
 // they cannot be combined). A fraction reads as a real from the level

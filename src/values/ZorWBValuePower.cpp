@@ -97,8 +97,13 @@ ZorWBValue IntegerPower(const ZorWBEnvironment& environment, int x, int y) {
 }
 
 // base^n on integer intervals (n >= 0); false when a bound's power leaves
-// the finite integer range (the power is then a real interval).
+// the finite integer range (the power is then a real interval). x^0 is 1
+// for every x, 0 included; an even power of a base across 0 reaches 0.
 bool IntegerIntervalPower(const ZorWBIntegerInterval& base, int n, ZorWBIntegerInterval& power) {
+    if (n == 0) {
+        power = {1, 1};
+        return true;
+    }
     long long low = 0;
     long long high = 0;
     if (!ExactPower(base.low, n, low) || !ExactPower(base.high, n, high)) return false;
@@ -262,7 +267,7 @@ DegreeForm ReadDegree(const ZorWBEnvironment& environment, const ZorWBValue& deg
         return DegreeForm::Integer;
     }
     if (!ZorWBIsExact(environment, degree)) return DegreeForm::Invalid;
-    real = degree.IsAKindOf(ZorWBBooleanType) ? degree.GetAsInteger() : degree.GetAsReal();
+    real = ExactNumber(degree);
     if (IsIntegral(real) && std::fabs(real) <= ZorWBIntegerMax) {
         n = static_cast<int>(real);
         return DegreeForm::Integer;

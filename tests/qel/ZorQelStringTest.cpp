@@ -68,6 +68,23 @@ TEST(ZorQelString, ParsesOnlyWholeNumbers) {
     EXPECT_FALSE(ZorQelString::ParseDouble("1,5", real));
 }
 
+// A number carries at most one sign: a plus sign followed by another sign
+// is not a number.
+TEST(ZorQelString, TwoSignsAreNotANumber) {
+    int integer = 0;
+    double real = 0;
+    for (const char* text : {"+-7", "++7", "-+7", "--7", "+", "-"})
+        EXPECT_FALSE(ZorQelString::ParseInt(text, integer)) << text;
+    for (const char* text : {"+-1.5", "++1.5", "-+1.5", "--1.5", "+-inf", "+", "-"})
+        EXPECT_FALSE(ZorQelString::ParseDouble(text, real)) << text;
+    EXPECT_TRUE(ZorQelString::ParseDouble("+1.5", real));
+    EXPECT_EQ(real, 1.5);
+    EXPECT_TRUE(ZorQelString::ParseDouble("-1.5", real));
+    EXPECT_EQ(real, -1.5);
+    EXPECT_TRUE(ZorQelString::ParseInt("+7", integer));
+    EXPECT_EQ(integer, 7);
+}
+
 TEST(ZorQelString, FormsFixedAndSignificantDigits) {
     EXPECT_EQ(ZorQelString().AppendFixed(0.5, 6), "0.500000");
     EXPECT_EQ(ZorQelString().AppendDouble(1.0 / 3.0, 17), "0.33333333333333331");

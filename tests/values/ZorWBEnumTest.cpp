@@ -23,7 +23,7 @@ TEST(ZorWBIntegerEnum, CorrectNormalisesIntervalsAndEmptyLists) {
     EXPECT_EQ(tooWide.GetRep(), ZorWBEnumInterval);
 
     ZorWBIntegerEnum infinite;
-    infinite.SetAsIntegerInterval({-ZorWBIntegerMax, 3});
+    infinite.SetAsIntegerInterval({ZorWBIntegerMinusInfinity, 3});
     environment.SetMaxEnumSize(2147483647);
     infinite.Correct(environment);
     EXPECT_EQ(infinite.GetRep(), ZorWBEnumInterval);
@@ -35,6 +35,36 @@ TEST(ZorWBIntegerEnum, CorrectNormalisesIntervalsAndEmptyLists) {
     ZorWBIntegerEnum emptyList(ZorWBEnumList);
     emptyList.Correct(environment);
     EXPECT_TRUE(emptyList.IsNil());
+}
+
+// The largest finite integers are elements like any other: only the
+// infinity markers beyond them are infinite ends.
+TEST(ZorWBIntegerEnum, TheLargestFiniteIntegersExpandIntoLists) {
+    ZorWBEnvironment environment(0);
+    const ZorWBIntegerInterval ends[] = {{2147483640, ZorWBIntegerMax},
+                                         {-ZorWBIntegerMax, -2147483640}};
+    for (const ZorWBIntegerInterval& hull : ends) {
+        ZorWBIntegerEnum corrected;
+        corrected.SetAsIntegerInterval(hull);
+        corrected.Correct(environment);
+        ASSERT_EQ(corrected.GetRep(), ZorWBEnumList) << hull.low;
+        ASSERT_EQ(corrected.GetSize(), 7);
+        for (int i = 0; i < 7; ++i)
+            EXPECT_EQ(corrected.Get(i), hull.low + i);
+        ZorWBIntegerEnum updated;
+        updated.SetAsIntegerInterval(hull);
+        EXPECT_FALSE(updated.Insert(hull.low)) << "already an element";
+        EXPECT_EQ(updated.GetRep(), ZorWBEnumList);
+        EXPECT_EQ(updated.GetSize(), 7);
+    }
+    for (const ZorWBIntegerInterval& toMarker :
+         {ZorWBIntegerInterval{2147483640, ZorWBIntegerPlusInfinity},
+          ZorWBIntegerInterval{ZorWBIntegerMinusInfinity, -2147483640}}) {
+        ZorWBIntegerEnum infinite;
+        infinite.SetAsIntegerInterval(toMarker);
+        infinite.Correct(environment);
+        EXPECT_EQ(infinite.GetRep(), ZorWBEnumInterval) << toMarker.low;
+    }
 }
 
 TEST(ZorWBIntegerEnum, SortedListOperations) {

@@ -111,6 +111,27 @@ TEST(ZorWBInverseIntervals, AbsoluteValueKeepsTheReachableBranches) {
     ExpectInterval(ZorWBInverseAbs(II{0, 0}, II{-5, 5}), 0, 0);
 }
 
+// The real candidate meets the domain through the snapping intersection of
+// the interval arithmetic, the domain first: a candidate bound within the
+// snapping distance of a domain bound lands on it, and the result never
+// leaves the domain.
+TEST(ZorWBInverseIntervals, AbsoluteValueMeetsTheDomainThroughTheSnappingIntersection) {
+    const RI nearHigh = ZorWBInverseAbs(RI{2, 3}, RI{-1, 3 + 4e-15});
+    EXPECT_EQ(nearHigh.low, 2.0);
+    EXPECT_EQ(nearHigh.high, 3 + 4e-15);
+    const RI nearLow = ZorWBInverseAbs(RI{2, 3}, RI{-3 - 4e-15, 1});
+    EXPECT_EQ(nearLow.low, -3 - 4e-15);
+    EXPECT_EQ(nearLow.high, -2.0);
+    // A domain just beyond the reach of the result, by more than the
+    // snapping distance (1e-13 at 100), holds no solution.
+    EXPECT_TRUE(IsNil(ZorWBInverseAbs(RI{50, 100}, RI{100 + 5e-13, 200})));
+    for (const RI& domain : {RI{0, 10}, RI{-10, 10}, RI{2.5, 2.75}, RI{-7, -2.9999999999999996}}) {
+        const RI result = ZorWBInverseAbs(RI{2, 3}, domain);
+        EXPECT_TRUE(domain.low <= result.low && result.high <= domain.high)
+            << domain.low << ", " << domain.high;
+    }
+}
+
 TEST(ZorWBInverseIntervals, MaximumAndMinimumFollowTheOtherOperand) {
     ExpectInterval(ZorWBInverseMax(II{5, 5}, II{0, 10}, II{0, 3}), 5, 5);
     ExpectInterval(ZorWBInverseMax(II{5, 5}, II{0, 10}, II{0, 7}), 0, 5);

@@ -73,6 +73,10 @@ TestSet Read(const ZorWBValue& value) {
         set.list = true;
         for (int i = 0; i < value.GetRealEnum().GetSize(); ++i)
             set.points.push_back(value.GetRealEnum().Get(i));
+    } else if (type == ZorWBBooleanType) {
+        ZorWBIntegerInterval states = value.GetAsIntegerInterval();  // {0}, {1}, {0, 1}
+        set.low = states.low;
+        set.high = states.high;
     } else {
         ZorWBRealInterval hull = value.GetAsRealInterval();
         set.low = hull.low;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <random>
@@ -19,6 +20,8 @@ struct BinaryCase {
     const char* name;
     BinaryFunction function;
     double (*point)(double, double);  // NaN where the operation is undefined
+    // Where sets of integers compute otherwise (null: as point).
+    double (*integerSetPoint)(double, double) = nullptr;
 };
 
 double FlooredMod(double x, double y) {
@@ -27,6 +30,11 @@ double FlooredMod(double x, double y) {
 double Quotient(double x, double y) {
     if (y == 0.0) return x == 0.0 ? INFINITY : NAN;  // 0 / 0 is deliberately plus infinity
     return x / y;
+}
+// Sets of integers divide by the integer interval division: the truncated
+// quotients, and every integer by a divisor that holds 0.
+double TruncatedQuotient(double x, double y) {
+    return y == 0.0 ? NAN : std::trunc(x / y);
 }
 double Power(double x, double y) {
     return (x == 0.0 && y < 0.0) ? NAN : std::pow(x, y);
@@ -41,7 +49,7 @@ const BinaryCase BinaryCases[] = {
     {"Sum", ZorWBSum, [](double x, double y) { return x + y; }},
     {"Sub", ZorWBSub, [](double x, double y) { return x - y; }},
     {"Mul", ZorWBMul, [](double x, double y) { return x * y; }},
-    {"Div", ZorWBDiv, Quotient},
+    {"Div", ZorWBDiv, Quotient, TruncatedQuotient},
     {"Mod", ZorWBMod, FlooredMod},
     {"Min", ZorWBMin, [](double x, double y) { return std::min(x, y); }},
     {"Max", ZorWBMax, [](double x, double y) { return std::max(x, y); }},
@@ -57,11 +65,34 @@ bool IsRealKind(ZorWBValueType kind) {
            kind == ZorWBFractionType;
 }
 
+bool IsIntegerSetKind(ZorWBValueType kind) {
+    return kind == ZorWBIntegerIntervalType || kind == ZorWBIntegerEnumType ||
+           kind == ZorWBBooleanType;
+}
+
+// Whether the integer 0 is one of the value's numbers.
+bool HoldsZero(const ZorWBValue& value) {
+    if (IsList(value)) {
+        std::vector<double> elements = ListElements(value);
+        return std::find(elements.begin(), elements.end(), 0.0) != elements.end();
+    }
+    ZorWBIntegerInterval hull = value.GetAsIntegerInterval();
+    return hull.low <= 0 && 0 <= hull.high;
+}
+
+bool IsWholeIntegerLine(const ZorWBValue& value) {
+    if (value.IsAKindOf(ZorWBIntegerEnumType)) return value.GetIntegerEnum().IsAny();
+    ZorWBIntegerInterval hull = value.GetAsIntegerInterval();
+    return value.IsAKindOf(ZorWBIntegerIntervalType) && hull.low == ZorWBInteger_Any.low &&
+           hull.high == ZorWBInteger_Any.high;
+}
+
 }  // namespace
 
 // For operands of every pair of kinds, the image of every pair of sampled
 // points lies in the result, and two lists give exactly the images of their
-// elements.
+// elements. Sets of integers (integer intervals, enumerations and booleans)
+// compute with their own point function where the operation has one.
 TEST(ZorWBValueArithmetic, BinaryResultsHoldTheImagesOfTheirOperands) {
     std::mt19937 rng(20240611);
     for (const BinaryCase& operation : BinaryCases) {
@@ -79,10 +110,19 @@ TEST(ZorWBValueArithmetic, BinaryResultsHoldTheImagesOfTheirOperands) {
                     ASSERT_EQ((environment.GetError() & 2) != 0, booleanWithReal && !quiet)
                         << operation.name << " " << Describe(a) << ", " << Describe(b);
                     if (booleanWithReal) continue;
+                    bool integerSets = operation.integerSetPoint &&
+                                       IsIntegerSetKind(ZorWBGetCommonType(environment, a, b));
+                    if (integerSets && HoldsZero(b)) {
+                        ASSERT_TRUE(IsWholeIntegerLine(result))
+                            << operation.name << "(" << Describe(a) << ", " << Describe(b)
+                            << ") = " << Describe(result);
+                        continue;
+                    }
+                    auto point = integerSets ? operation.integerSetPoint : operation.point;
                     std::vector<double> images;
                     for (double x : PointsOf(rng, a)) {
                         for (double y : PointsOf(rng, b)) {
-                            double image = operation.point(x, y);
+                            double image = point(x, y);
                             if (std::isnan(image)) continue;
                             images.push_back(image);
                             ASSERT_TRUE(Holds(result, image))
@@ -95,10 +135,120 @@ TEST(ZorWBValueArithmetic, BinaryResultsHoldTheImagesOfTheirOperands) {
                         ASSERT_TRUE(HoldsExactly(result, images))
                             << operation.name << " of two lists";
                     }
+                    if (IsList(a) && IsList(b)) {
+                        bool undefinedPair = false;
+                        for (double x : ListElements(a))
+                            for (double y : ListElements(b))
+                                undefinedPair = undefinedPair || std::isnan(point(x, y));
+                        ASSERT_EQ((environment.GetError() & 1) != 0, undefinedPair)
+                            << operation.name << "(" << Describe(a) << ", " << Describe(b)
+                            << "): a domain error exactly where a pair has no image";
+                    }
                 }
             }
         }
     }
+}
+
+namespace {
+
+struct IntegerCase {
+    const char* name;
+    BinaryFunction function;
+    bool (*point)(long long x, long long y, long long& image);  // false where undefined
+};
+
+long long FlooredIntegerMod(long long x, long long y) {
+    long long remainder = x % y;
+    return remainder != 0 && (remainder < 0) != (y < 0) ? remainder + y : remainder;
+}
+
+bool IntegerPower(long long x, long long y, long long& image) {
+    if (y < 0) return false;
+    image = 1;
+    for (long long i = 0; i < y; ++i)
+        image *= x;
+    return true;
+}
+
+const IntegerCase IntegerCases[] = {
+    {"Sum", ZorWBSum, [](long long x, long long y, long long& z) { return z = x + y, true; }},
+    {"Sub", ZorWBSub, [](long long x, long long y, long long& z) { return z = x - y, true; }},
+    {"Mul", ZorWBMul, [](long long x, long long y, long long& z) { return z = x * y, true; }},
+    {"Mod", ZorWBMod,
+     [](long long x, long long y, long long& z) {
+         return y != 0 && (z = FlooredIntegerMod(x, y), true);
+     }},
+    {"Min", ZorWBMin,
+     [](long long x, long long y, long long& z) { return z = std::min(x, y), true; }},
+    {"Max", ZorWBMax,
+     [](long long x, long long y, long long& z) { return z = std::max(x, y), true; }},
+    {"Dim", ZorWBDim,
+     [](long long x, long long y, long long& z) { return z = std::max(x - y, 0LL), true; }},
+    {"Sign", ZorWBSign,
+     [](long long x, long long y, long long& z) {
+         return z = y >= 0 ? std::llabs(x) : -std::llabs(x), true;
+     }},
+    {"Pow", ZorWBPow, IntegerPower},
+    {"Div", ZorWBDiv,
+     [](long long x, long long y, long long& z) { return y != 0 && (z = x / y, true); }},
+};
+
+}  // namespace
+
+// An integer interval result of integer interval (or integer) operands is
+// the hull of the images of every pair of their integers: sound and tight.
+TEST(ZorWBValueArithmetic, IntegerIntervalResultsAreTheHullsOfTheirImages) {
+    std::mt19937 rng(977);
+    for (const IntegerCase& operation : IntegerCases) {
+        for (int trial = 0; trial < 2000; ++trial) {
+            int aLow = RandomInt(rng, -9, 9);
+            int bLow = RandomInt(rng, -4, 6);
+            ZorWBIntegerInterval a = {aLow, aLow + RandomInt(rng, 0, 6)};
+            ZorWBIntegerInterval b = {bLow, bLow + RandomInt(rng, 0, 3)};
+            ZorWBValue second = RandomInt(rng, 0, 1) ? ZorWBValue(b) : ZorWBValue(b.low);
+            if (second.IsAKindOf(ZorWBIntegerType)) b.high = b.low;
+            ZorWBEnvironment environment;
+            ZorWBValue result = operation.function(environment, ZorWBValue(a), second);
+            if (operation.function == ZorWBPow && !result.IsAKindOf(ZorWBIntegerIntervalType))
+                continue;  // a power that leaves the integers is a real interval
+            ASSERT_EQ(result.GetType(), ZorWBIntegerIntervalType) << operation.name;
+            if (operation.function == ZorWBDiv && b.low <= 0 && 0 <= b.high) {
+                ASSERT_TRUE(IsWholeIntegerLine(result)) << "a divisor holding 0";
+                continue;
+            }
+            long long low = LLONG_MAX;
+            long long high = LLONG_MIN;
+            for (long long x = a.low; x <= a.high; ++x) {
+                for (long long y = b.low; y <= b.high; ++y) {
+                    long long image = 0;
+                    if (!operation.point(x, y, image)) continue;
+                    low = std::min(low, image);
+                    high = std::max(high, image);
+                }
+            }
+            if (low > high) continue;
+            ASSERT_EQ(environment.GetError(), 0u);
+            ZorWBIntegerInterval hull = result.GetAsIntegerInterval();
+            ASSERT_TRUE(hull.low == low && hull.high == high)
+                << operation.name << "([" << a.low << ", " << a.high << "], " << Describe(second)
+                << ") = [" << hull.low << ", " << hull.high << "], images [" << low << ", " << high
+                << "]";
+        }
+    }
+    // x^0 is 1 for every x, 0 included; [7, 9] / 2 truncates to [3, 4],
+    // while two integers still divide exactly.
+    ZorWBEnvironment environment;
+    ZorWBValue quotient =
+        ZorWBDiv(environment, ZorWBValue(ZorWBIntegerInterval{7, 9}), ZorWBValue(2));
+    ASSERT_EQ(quotient.GetType(), ZorWBIntegerIntervalType);
+    EXPECT_EQ(quotient.GetAsIntegerInterval().low, 3);
+    EXPECT_EQ(quotient.GetAsIntegerInterval().high, 4);
+    EXPECT_TRUE(ZorWBDiv(environment, ZorWBValue(7), ZorWBValue(2)).IsAFraction());
+    ZorWBValue one = ZorWBPow(environment, ZorWBValue(ZorWBIntegerInterval{-2, 3}), ZorWBValue(0));
+    ASSERT_EQ(one.GetType(), ZorWBIntegerIntervalType);
+    EXPECT_EQ(one.GetAsIntegerInterval().low, 1);
+    EXPECT_EQ(one.GetAsIntegerInterval().high, 1);
 }
 
 TEST(ZorWBValueArithmetic, CommonKindFollowsTheTable) {
@@ -225,6 +375,16 @@ TEST(ZorWBValueArithmetic, IntegerQuotientsAndPowersAreExact) {
             .GetAsIntegerInterval();
     EXPECT_EQ(squares.low, 0);
     EXPECT_EQ(squares.high, 9);
+    // A negative power of a base that reaches 0 is unbounded on that side only.
+    ZorWBRealInterval inverses =
+        ZorWBPow(environment, ZorWBValue(ZorWBIntegerInterval{-1, 1}), ZorWBValue(-2))
+            .GetAsRealInterval();
+    EXPECT_EQ(inverses.low, 1.0);
+    EXPECT_EQ(inverses.high, ZorWBRealLimit);
+    EXPECT_EQ(ZorWBPow(environment, ZorWBValue(ZorWBRealInterval{0, 2}), ZorWBValue(-1.0))
+                  .GetAsRealInterval()
+                  .low,
+              0.5);
     EXPECT_EQ(environment.GetError(), 0u);
 
     // Division by zero follows the scalar rules: 0 / 0 quietly plus infinity.
@@ -346,8 +506,14 @@ TEST(ZorWBValueArithmetic, EnumerationResults) {
     ZorWBValue sum = ZorWBSum(environment, a, b);
     ASSERT_EQ(sum.GetType(), ZorWBIntegerEnumType);
     EXPECT_TRUE(HoldsExactly(sum, {11, 12, 13, 21, 22, 23}));
-    EXPECT_TRUE(HoldsExactly(ZorWBDiv(environment, a, ZorWBValue(2)), {0.5, 1, 1.5}));
-    EXPECT_EQ(ZorWBDiv(environment, a, ZorWBValue(2)).GetType(), ZorWBRealEnumType);
+    // Integer enumerations divide as sets of integers, element by element.
+    EXPECT_TRUE(HoldsExactly(ZorWBDiv(environment, a, ZorWBValue(2)), {0, 1}));
+    EXPECT_EQ(ZorWBDiv(environment, a, ZorWBValue(2)).GetType(), ZorWBIntegerEnumType);
+    EXPECT_TRUE(HoldsExactly(ZorWBDiv(environment, a, ZorWBValue(2.0)), {0.5, 1, 1.5}));
+    const int withZero[] = {0, 2};
+    ZorWBValue divisors;
+    divisors.Set(2, withZero);
+    EXPECT_TRUE(ZorWBDiv(environment, a, divisors).GetIntegerEnum().IsAny());
     EXPECT_EQ(ZorWBSum(environment, a, ZorWBValue(0.5)).GetType(), ZorWBRealEnumType);
     // An integer interval operand is listed when it is narrow.
     EXPECT_TRUE(HoldsExactly(ZorWBMul(environment, ZorWBValue(ZorWBIntegerInterval{1, 3}), b),
@@ -373,12 +539,14 @@ TEST(ZorWBValueArithmetic, EnumerationResults) {
         ZorWBMul(environment, zeros, ZorWBValue(ZorWBIntegerEnum(ZorWBEnumAny))), {0}));
     EXPECT_EQ(environment.GetError(), 0u);
 
-    // An element outside the domain is left out; all of them is error 1.
+    // An element outside the domain adds no element, and is a domain error;
+    // all of them leave nothing.
     const double reals[] = {-1.0, 4.0};
     ZorWBValue roots;
     roots.Set(2, reals);
     EXPECT_TRUE(HoldsExactly(ZorWBSqrt(environment, roots), {2.0}));
-    EXPECT_EQ(environment.GetError(), 0u);
+    EXPECT_EQ(environment.GetError(), 1u);
+    environment.ClearError();
     const double negatives[] = {-1.0, -4.0};
     roots.Set(2, negatives);
     EXPECT_TRUE(ZorWBSqrt(environment, roots).GetRealEnum().IsNil());

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
+#include <vector>
 
+#include "TestAllocator.h"
 #include "ValueTestSupport.h"
 #include "values/ZorWBValueFunctions.h"
 
@@ -107,6 +110,15 @@ TEST(ZorWBValueElementary, UnaryResultsHoldTheImagesOfTheirOperands) {
                 }
                 if (IsList(a) && !images.empty()) {
                     ASSERT_TRUE(HoldsExactly(result, images)) << operation.name << " of a list";
+                }
+                if (IsList(a)) {
+                    std::vector<double> elements = ListElements(a);
+                    bool undefined = std::any_of(elements.begin(), elements.end(), [&](double x) {
+                        return std::isnan(operation.point(x));
+                    });
+                    ASSERT_EQ((environment.GetError() & 1) != 0, undefined)
+                        << operation.name << "(" << Describe(a)
+                        << "): a domain error exactly where an element has no image";
                 }
                 bool integerKind = kind == ZorWBIntegerType || kind == ZorWBIntegerIntervalType ||
                                    kind == ZorWBIntegerEnumType;
@@ -228,6 +240,13 @@ TEST(ZorWBValueElementary, RootsAndTheirBranches) {
     EXPECT_EQ(ZorWBRoot(environment, ZorWBValue(4), ZorWBValue(2.0)).GetAsInteger(), 2);
     EXPECT_EQ(ZorWBRoot(environment, ZorWBValue(4.0), ZorWBValue(-2)).GetAsReal(), 0.5);
     EXPECT_DOUBLE_EQ(ZorWBRoot(environment, ZorWBValue(8.0), ZorWBValue(1.5)).GetAsReal(), 4.0);
+    // A degree held as a one-point set is that number.
+    EXPECT_EQ(ZorWBRoot(environment, ZorWBValue(27), ZorWBValue(ZorWBIntegerInterval{3, 3}))
+                  .GetAsInteger(),
+              3);
+    EXPECT_EQ(
+        ZorWBRoot(environment, ZorWBValue(4.0), ZorWBValue(ZorWBRealInterval{2, 2})).GetAsReal(),
+        2.0);
     ZorWBValue negative(ZorWBRealInterval{-3.0, -1.0});
     EXPECT_EQ(ZorWBRoot(environment, ZorWBValue(4), ZorWBValue(2), &negative).GetAsReal(), -2.0);
     ZorWBValue both(ZorWBRealInterval{-3.0, 3.0});
@@ -317,6 +336,12 @@ TEST(ZorWBValueElementary, RoundingToAStep) {
         1.25);
     ZorWBValue unchanged = ZorWBRound(environment, ZorWBValue(1.26), ZorWBValue(0), ZorWBValue(3));
     EXPECT_EQ(unchanged.GetAsReal(), 1.26);
+    // A step held as a one-point interval is that number, not a zero step.
+    ZorWBValue pointStep(ZorWBRealInterval{0.25, 0.25});
+    EXPECT_DOUBLE_EQ(ZorWBRound(environment, ZorWBValue(1.26), pointStep, ZorWBValue(0.0))
+                         .GetAsRealInterval()
+                         .low,
+                     1.25);
     const int steps[] = {2, 3};
     ZorWBValue stepList;
     stepList.Set(2, steps);
@@ -327,5 +352,53 @@ TEST(ZorWBValueElementary, RoundingToAStep) {
                                  .GetAsRealInterval();
     EXPECT_EQ(hull.low, 0.0);
     EXPECT_EQ(hull.high, 1.5);
+    // Integer sets round by the quotients of their numbers, not by the
+    // truncating division of integer sets: 7 / 2 and 9 / 2 round to 4 and 5.
+    ZorWBRealInterval integers = ZorWBRound(environment, ZorWBValue(ZorWBIntegerInterval{7, 9}),
+                                            ZorWBValue(2), ZorWBValue(0))
+                                     .GetAsRealInterval();
+    EXPECT_EQ(integers.low, 8.0);
+    EXPECT_EQ(integers.high, 10.0);
     EXPECT_EQ(environment.GetError(), 0u);
+}
+
+// Listed steps and origins are combined one by one up to the cap on element
+// combinations that every element-wise computation has; beyond it the
+// enumerations go through their hulls. The work done is counted by the
+// allocations (each combination of an enumerated value allocates), not
+// timed.
+TEST(ZorWBValueElementary, RoundingToListedStepsBeyondTheCombinationCapGoesThroughTheHulls) {
+    ZorWBEnvironment environment;
+    const double values[] = {0.3, 1.7};
+    std::vector<double> steps;
+    std::vector<double> origins;
+    for (int i = 0; i < 300; ++i) {
+        steps.push_back(0.5 + 0.01 * i);
+        origins.push_back(0.001 * i);
+    }
+    ZorWBValue a;
+    a.Set(2, values);
+    ZorWBValue step;
+    step.Set(static_cast<int>(steps.size()), steps.data());
+    ZorWBValue origin;
+    origin.Set(static_cast<int>(origins.size()), origins.data());
+    std::size_t before = AllocationCount();
+    ZorWBValue rounded = ZorWBRound(environment, a, step, origin);
+    EXPECT_LT(AllocationCount() - before, 1000u) << "2 x 300 x 300 combinations, one by one";
+    ASSERT_EQ(rounded.GetType(), ZorWBRealEnumType);
+    EXPECT_EQ(rounded.GetRealEnum().GetRep(), ZorWBEnumInterval);
+    for (double x : values)
+        for (std::size_t i = 0; i < steps.size(); i += 7)
+            for (std::size_t j = 0; j < origins.size(); j += 11) {
+                double image = origins[j] + steps[i] * std::round((x - origins[j]) / steps[i]);
+                ASSERT_TRUE(Holds(rounded, image)) << x << " " << steps[i] << " " << origins[j];
+            }
+    EXPECT_EQ(environment.GetError(), 0u);
+    // Below the cap each combination is computed: the images exactly.
+    const double fewSteps[] = {2.0, 3.0};
+    const double fewOrigins[] = {0.0, 0.5};
+    step.Set(2, fewSteps);
+    origin.Set(2, fewOrigins);
+    EXPECT_TRUE(
+        HoldsExactly(ZorWBRound(environment, ZorWBValue(7.0), step, origin), {8.0, 6.0, 6.5, 6.5}));
 }
