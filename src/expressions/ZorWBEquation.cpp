@@ -37,6 +37,16 @@ void ZorWBEquation::SetTheoreticalVarList(ZorQelIntArray* list) try {
 } catch (const std::exception&) {
 }
 
+void ZorWBEquation::ForgetVariableIndex(int index) {
+    int kept = 0;
+    for (int i = 0; i < _theoreticalVariables.GetSize(); ++i) {
+        int listed = _theoreticalVariables[i];
+        if (listed == index) continue;
+        _theoreticalVariables.Set(kept++, listed > index ? listed - 1 : listed);
+    }
+    _theoreticalVariables.SetSize(kept);
+}
+
 bool ZorWBEquation::MarkPresentVariables(ZorQelArray<unsigned char>& present) const try {
     int nbOfVariables = _factory->GetNbOfVariables();
     if (!_root || nbOfVariables == 0) return false;

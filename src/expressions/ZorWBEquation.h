@@ -57,6 +57,9 @@ class ZORWBX_API ZorWBEquation {
 
   private:
     ZorWBExpression* Clone(ZorWBExpression* e);
+    // The variable of that index was removed: it leaves the theoretical
+    // list, and the indices above it move down one.
+    void ForgetVariableIndex(int index);
     // The present-variable bytes of the root, one per factory variable.
     bool MarkPresentVariables(ZorQelArray<unsigned char>& present) const;
 

@@ -192,6 +192,10 @@ class ZORWBX_API ZorWBExpression {
 
     static bool AddParent(ZorWBExpression* child, ZorWBExpression* parent);
     static bool RemoveParent(ZorWBExpression* child, ZorWBExpression* parent);
+    // After parent lost an unbuffered child: buffering comes back to parent
+    // when no other child forbids it, and so to the ancestors that were
+    // unbuffered only through it.
+    static void GiveBufferingBack(ZorWBExpression* parent);
     static ZorWBExpression* Differentiate(ZorWBExpression* child, ZorWBVariable* variable);
     ZorWBExpression* Replace(ZorWBExpression* oldNode, ZorWBExpression* newNode);
 

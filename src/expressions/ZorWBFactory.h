@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "ZorWBxExport.h"
@@ -444,7 +445,10 @@ class ZORWBX_API ZorWBFactory {
     // ------------------------------------------------------------ removal
     // Destroys e (and the nodes only it uses, see RemoveUniqueChildren) when
     // it is a permanent node that nothing but exceptParent uses, then sets
-    // e to null. The predefined constants are shared and never removed.
+    // e to null; exceptParent loses it as a child. The predefined constants
+    // are shared and never removed, nor is the root of an equation. The
+    // variables after a removed variable move down one index, so that an
+    // index stays the variable's position (see ZorWBVariable::GetIdx).
     bool RemoveExpression(ZorWBExpression*& e, const ZorWBExpression* exceptParent = nullptr);
 
     // ------------------------------------------------------------ cloning
@@ -688,11 +692,25 @@ class ZORWBX_API ZorWBFactory {
     // Adds a new node to the expressions, or to the temporary ones in
     // temporary mode; destroys it and gives null when memory is short.
     ZorWBExpression* Register(ZorWBExpression* node, bool alwaysPermanent = false);
-    // Whether a descendant left without parents goes with its last parent:
-    // not variables, predefined constants or temporary nodes.
-    bool IsRemovableDescendant(const ZorWBExpression* node) const;
-    // Takes nodes that nothing uses out of the expressions and destroys them.
-    void DestroyDetached(const std::vector<ZorWBExpression*>& nodes);
+    // The roots of the equations, which no removal takes.
+    std::unordered_set<const ZorWBExpression*> EquationRoots() const;
+    // Whether a descendant goes with its last parent: not variables,
+    // predefined constants, temporary nodes or equation roots.
+    bool IsRemovableDescendant(const ZorWBExpression* node,
+                               const std::unordered_set<const ZorWBExpression*>& roots) const;
+    // The removable descendants of node that only node's subgraph uses, each
+    // once.
+    std::vector<ZorWBExpression*> UniqueDescendants(
+        const ZorWBExpression* node, const std::unordered_set<const ZorWBExpression*>& roots) const;
+    // Destroys the nodes (each listed once, in the order given): they leave
+    // the factory's lists, and the nodes that survive them lose them as
+    // children (buffers above invalidated) and as parents. False, changing
+    // nothing, when memory is short.
+    bool DestroyNodes(const std::vector<ZorWBExpression*>& nodes);
+    // Takes the variable at index out of the variable list and renumbers
+    // those after it, in the variables and in the equations' theoretical
+    // lists.
+    void ForgetVariable(int index);
     // The piece of one interval of a segment function; null for an unknown
     // interpolation type.
     ZorWBExpression* CreateSegmentPiece(ZorWBExpression* x,

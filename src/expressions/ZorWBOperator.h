@@ -23,8 +23,8 @@ class ZORWBX_API ZorWBOperator : public ZorWBExpression {
     void ResetBuffer(bool complete) override;
     // Removes from the factory, and destroys, every descendant that is used
     // only inside this node's subgraph (all its parents are being removed),
-    // except variables, predefined constants and temporary nodes; their
-    // positions are dropped from this node's children.
+    // except variables, predefined constants, temporary nodes and equation
+    // roots; their positions are dropped from this node's children.
     void RemoveUniqueChildren() override;
 
   protected:
@@ -64,6 +64,26 @@ class ZORWBX_API ZorWBOperator : public ZorWBExpression {
     // the value functions, as DoEval would; false, touching nothing, for
     // any other case.
     bool EvaluateFast() const;
+    // Drops every child position holding a node for which drop(node) holds,
+    // without telling the children; whether one of them was unbuffered.
+    template <class Drop>
+    bool DropChildren(Drop&& drop) {
+        int kept = 0;
+        bool unbuffered = false;
+        for (int i = 0; i < _nbOfChildren; ++i) {
+            ZorWBExpression* child = _children[i];
+            if (drop(child)) {
+                unbuffered = unbuffered || !child->AllowsBufferEval();
+            } else {
+                _children[kept++] = child;
+            }
+        }
+        for (int i = kept; i < _nbOfChildren; ++i)
+            _children[i] = nullptr;
+        _nbOfChildren = kept;
+        return unbuffered;
+    }
+
 
     ZorWBExpression** _children;
     int _nbOfChildren = 0;
