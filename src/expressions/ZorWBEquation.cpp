@@ -18,6 +18,12 @@ ZorWBEquation::~ZorWBEquation() {
     if (_next) _next->_previous = _previous;
 }
 
+bool ZorWBEquation::SetRoot(ZorWBExpression* root) {
+    if (root && root->GetFactory() != _factory) return false;
+    _root = root;
+    return true;
+}
+
 const ZorQelString& ZorWBEquation::GetName() {
     if (_name.IsEmpty()) _name = ZorQelString("eq") + _id;
     return _name;

@@ -19,8 +19,9 @@ class ZORWBX_API ZorWBEquation {
 
     ZorWBFactory* GetFactory() const { return _factory; }
     ZorWBExpression* GetRoot() const { return _root; }
-    // Only replaces the pointer: the old root stays in the factory.
-    void SetRoot(ZorWBExpression* root) { _root = root; }
+    // Only replaces the pointer: the old root stays in the factory. A node of
+    // another factory is refused (false, the root unchanged); null is taken.
+    bool SetRoot(ZorWBExpression* root);
     ZorWBEquationType GetType() const { return _type; }
     int GetId() const { return _id; }
     // "eq" followed by the id until a name is set.
