@@ -174,6 +174,8 @@ bool ZorWBExpression::ValidatesWithoutOwnFlag() const {
 }
 
 void ZorWBExpression::SetAllowBufferEval(bool allow, bool propagate, bool validate) try {
+    // How often a node is computed depends on it (see the compiled programs).
+    NoteStructureChange();
     auto apply = [allow, validate](ZorWBExpression* node) {
         if (!allow) {
             node->_flags = NoBufferFlag;

@@ -224,7 +224,10 @@ class ZORWBX_API ZorWBExpression {
     template <bool Real>
     int RunEvaluation() const;
     const ZorWBValue& ComputeValue() const;
-    void FinishValue() const;
+    // Computes the value field from the children's values and records it
+    // (previous value, valid flag); folded: the fold of a Sum, Product, Min
+    // or Max has left it there already (see ZorWBOperator::FoldValue).
+    void FinishValue(bool folded) const;
     static int NextIfThenElseChild(const ZorWBExpression* node, int position, bool real);
     bool ValidatesWithoutOwnFlag() const;
     static ZorWBExpression* Substitute(ZorWBExpression* root, ZorWBVariable** vars,

@@ -505,7 +505,8 @@ class ZORWBX_API ZorWBFactory {
     // How many GetValue calls a compiled program answered.
     long long GetNbOfValueProgramRuns() const;
     // A number that changes whenever a node loses, gains or swaps a child, a
-    // Step parameter or a black box, or is destroyed.
+    // Step parameter or a black box, is made buffered or unbuffered, or is
+    // destroyed.
     unsigned long long GetStructureVersion() const { return _structureVersion; }
 
     // ------------------------------------------------------------ equations
