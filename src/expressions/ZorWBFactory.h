@@ -4,7 +4,6 @@
 #include <functional>
 #include <memory>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "ZorWBxExport.h"
@@ -693,16 +692,17 @@ class ZORWBX_API ZorWBFactory {
     // Adds a new node to the expressions, or to the temporary ones in
     // temporary mode; destroys it and gives null when memory is short.
     ZorWBExpression* Register(ZorWBExpression* node, bool alwaysPermanent = false);
-    // The roots of the equations, which no removal takes.
-    std::unordered_set<const ZorWBExpression*> EquationRoots() const;
+    // Marks the roots of the equations, which no removal takes, with a new
+    // walk number, and returns it.
+    unsigned int MarkEquationRoots();
     // Whether a descendant goes with its last parent: not variables,
-    // predefined constants, temporary nodes or equation roots.
-    bool IsRemovableDescendant(const ZorWBExpression* node,
-                               const std::unordered_set<const ZorWBExpression*>& roots) const;
+    // predefined constants, temporary nodes or equation roots (marked
+    // with the walk number roots).
+    bool IsRemovableDescendant(const ZorWBExpression* node, unsigned int roots) const;
     // The removable descendants of node that only node's subgraph uses, each
-    // once.
-    std::vector<ZorWBExpression*> UniqueDescendants(
-        const ZorWBExpression* node, const std::unordered_set<const ZorWBExpression*>& roots) const;
+    // once (roots as above; nothing else may walk in between).
+    std::vector<ZorWBExpression*> UniqueDescendants(const ZorWBExpression* node,
+                                                    unsigned int roots) const;
     // Destroys the nodes (each listed once, in the order given): they leave
     // the factory's lists, and the nodes that survive them lose them as
     // children (buffers above invalidated) and as parents. False, changing

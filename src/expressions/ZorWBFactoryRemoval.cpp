@@ -2,7 +2,8 @@
 // temporary storage.
 //
 // Method. The nodes to destroy are gathered first, then destroyed as one
-// batch. A descendant goes when every parent it has goes: each candidate
+// batch. The equation roots are marked with a walk number first, to be
+// known in constant time. A descendant goes when every parent it has goes: each candidate
 // counts down the parent entries not yet accounted for, one per edge from a
 // node that goes, so a constant shared by a million dying parents is settled
 // by a million decrements. The batch is marked with a walk number; each
@@ -28,26 +29,24 @@
 #include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBOperator.h"
 
-std::unordered_set<const ZorWBExpression*> ZorWBFactory::EquationRoots() const {
-    std::unordered_set<const ZorWBExpression*> roots;
+unsigned int ZorWBFactory::MarkEquationRoots() {
+    unsigned int walk = NewWalk();
     for (const ZorWBEquation* equation : _equations) {
-        if (equation->GetRoot()) roots.insert(equation->GetRoot());
+        if (equation->GetRoot()) equation->GetRoot()->_walkMark = walk;
     }
-    return roots;
+    return walk;
 }
 
-bool ZorWBFactory::IsRemovableDescendant(
-    const ZorWBExpression* node, const std::unordered_set<const ZorWBExpression*>& roots) const {
-    if (node->GetType() == ZorWBExpressionType::Variable) return false;
+bool ZorWBFactory::IsRemovableDescendant(const ZorWBExpression* node, unsigned int roots) const {
+    if (node->GetType() == ZorWBExpressionType::Variable || node->_walkMark == roots) return false;
     ZorWBPredefinedConst index;
     if (node->IsLeaf() && IsPredefinedConstant(static_cast<const ZorWBConstant*>(node), index))
         return false;
-    if (roots.count(node)) return false;
     return node->GetProperty(_temporaryProperty) == GetDefaultPropertyValue(_temporaryProperty);
 }
 
-std::vector<ZorWBExpression*> ZorWBFactory::UniqueDescendants(
-    const ZorWBExpression* node, const std::unordered_set<const ZorWBExpression*>& roots) const {
+std::vector<ZorWBExpression*> ZorWBFactory::UniqueDescendants(const ZorWBExpression* node,
+                                                              unsigned int roots) const {
     std::vector<ZorWBExpression*> doomed;
     // Parent entries of each candidate not yet known to go.
     std::unordered_map<const ZorWBExpression*, int> remaining;
@@ -145,8 +144,8 @@ bool ZorWBFactory::RemoveExpression(ZorWBExpression*& e, const ZorWBExpression* 
     ZorWBPredefinedConst index;
     if (e->IsLeaf() && IsPredefinedConstant(static_cast<ZorWBConstant*>(e), index)) return false;
     if (!_expressions.Contains(e) || !e->CanBeRemoved(exceptParent)) return false;
-    std::unordered_set<const ZorWBExpression*> roots = EquationRoots();
-    if (roots.count(e)) return false;
+    unsigned int roots = MarkEquationRoots();
+    if (e->_walkMark == roots) return false;
     std::vector<ZorWBExpression*> doomed = UniqueDescendants(e, roots);
     doomed.push_back(e);
     bool variable = e->GetType() == ZorWBExpressionType::Variable;

@@ -104,7 +104,7 @@ bool ZorWBOperator::ValidateAllowBufferEval() const {
 
 void ZorWBOperator::RemoveUniqueChildren() try {
     ZorWBFactory& factory = *GetFactory();
-    factory.DestroyNodes(factory.UniqueDescendants(this, factory.EquationRoots()));
+    factory.DestroyNodes(factory.UniqueDescendants(this, factory.MarkEquationRoots()));
 } catch (const std::exception&) {
 }
 
