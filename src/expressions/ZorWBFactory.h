@@ -481,8 +481,8 @@ class ZORWBX_API ZorWBFactory {
     void ResetBuffer(ZorWBExpression* e);
     void SetBufferUsed() { _bufferUsed = true; }
     bool IsBufferUsed() const { return _bufferUsed; }
-    // How many node evaluations (DoEval calls) GetValue has made since the
-    // factory was made or the counter reset.
+    // How many times GetValue has computed a node (an unbuffered node at
+    // each request) since the factory was made or the counter reset.
     long long GetNbOfEvaluations() const { return _nbOfEvaluations; }
     void ResetNbOfEvaluations() { _nbOfEvaluations = 0; }
     // Eval() of a root of some size compiles the root's subgraph at its

@@ -185,7 +185,8 @@ TEST(ZorWBEvaluation, UnbufferedNodesSpreadToAncestorsAndGiveBufferingBack) {
 // asked for: a black box used twice is called twice, and a stateful one
 // gives each use its own answer.
 TEST(ZorWBEvaluation, UnbufferedNodesAreComputedAtEveryRequest) {
-    SequenceBlackBox sequence;
+    SequenceBlackBox sequence;  // the black boxes outlive the factory
+    CountingBlackBox counting;
     ZorWBFactory f(ZorWBLevel::All);
     ZorWBExpression* call = f.DeclareBlackBox(&sequence, 0, nullptr, false);
     ZorWBExpression* twice = f.CreateSum(call, call);
@@ -202,7 +203,6 @@ TEST(ZorWBEvaluation, UnbufferedNodesAreComputedAtEveryRequest) {
 
     // A tower of shared squares asks the call once per path: 2^10 times,
     // while the buffered Sin beside it is computed once.
-    CountingBlackBox counting;
     counting.offset = 1.0;
     ZorWBExpression* one = f.DeclareBlackBox(&counting, 0, nullptr, false);
     ZorWBExpression* tower = one;
