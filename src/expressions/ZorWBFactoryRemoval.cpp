@@ -57,8 +57,11 @@ std::vector<ZorWBExpression*> ZorWBFactory::UniqueDescendants(const ZorWBExpress
         for (int i = 0; i < ZorWBGraphWalk::NbOfChildren(parent); ++i) {
             ZorWBExpression* child = ZorWBGraphWalk::Child(parent, i);
             if (!IsRemovableDescendant(child, roots)) continue;
-            auto entry = remaining.emplace(child, child->GetNbOfParents()).first;
-            if (--entry->second != 0) continue;
+            // A lone parent entry is the one of the parent going: no count.
+            if (child->GetNbOfParents() > 1) {
+                auto entry = remaining.emplace(child, child->GetNbOfParents()).first;
+                if (--entry->second != 0) continue;
+            }
             doomed.push_back(child);
             if (!child->IsLeaf()) work.push_back(child);
         }
