@@ -58,6 +58,7 @@ class ZORWBX_API ZorWBOperator : public ZorWBExpression {
     friend class ZorWBGraphWalk;
     friend class ZorWBEqualityEngine;
     friend class ZorWBValueProgram;
+    friend class ZorWBValueProgramCompiler;
     bool ReplaceChildUnchecked(int i, ZorWBExpression* child);
     ZorWBExpression* ChildAt(int i) const { return _children[i]; }
     // Computes the value field for the most frequent kinds (real intervals
@@ -72,10 +73,16 @@ class ZORWBX_API ZorWBOperator : public ZorWBExpression {
     // enters the fold with the value of its own request.
     void FoldValue(int i) const;
     void FoldReal(int i) const;
-    // The fold step of FoldValue for a real interval and a child that
-    // combines with it into a real interval, without the kind dispatch;
-    // false, touching nothing, for any other pair.
-    bool FoldFast(const ZorWBValue& child) const;
+    // Whether the value fold reads a buffered first child at the second
+    // step rather than copying it at the first: its value stays put in
+    // between, and the copy is spared.
+    bool KeepsFirstOperand() const {
+        return _nbOfChildren >= 2 && _children[0]->AllowsBufferEval();
+    }
+    // The value fold step running (op) child into the value field for a real
+    // interval and a child that combines with it into a real interval,
+    // without the kind dispatch; false, touching nothing, for any other pair.
+    bool FoldFast(const ZorWBValue& running, const ZorWBValue& child) const;
     // Drops every child position holding a node for which drop(node) holds,
     // without telling the children; whether one of them was unbuffered.
     template <class Drop>

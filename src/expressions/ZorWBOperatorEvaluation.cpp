@@ -373,17 +373,24 @@ bool ZorWBOperator::EvaluateFast() const {
 // ------------------------------------------------------------ fold steps
 
 void ZorWBOperator::FoldValue(int i) const {
-    const ZorWBValue& child = ChildValue(i);
+    // The walk folds a child in once it is computed or found ready.
+    const ZorWBValue& child = _children[i]->_value;
+    const bool fast = _factory->_fastValues;
     if (i == 0) {
-        _value = child;
+        if (!KeepsFirstOperand()) _value = child;
         return;
     }
-    if (_factory->_fastValues && FoldFast(child)) return;
+    if (i == 1 && KeepsFirstOperand()) {
+        const ZorWBValue& first = _children[0]->_value;
+        if (fast && FoldFast(first, child)) return;
+        _value = first;
+    }
+    if (fast && FoldFast(_value, child)) return;
     _value = BinaryKindOf(GetType()).value(GetEnvironment(), _value, child);
 }
 
 void ZorWBOperator::FoldReal(int i) const {
-    double child = ChildReal(i);
+    double child = _children[i]->_real;
     _real = i == 0 ? child : BinaryKindOf(GetType()).real(_real, child);
 }
 
@@ -391,10 +398,10 @@ void ZorWBOperator::FoldReal(int i) const {
 // integer, a real or a real interval: the interval rule on their readings,
 // recording the environment on the child (the one recorded on the running
 // value goes with the assignment of the result).
-bool ZorWBOperator::FoldFast(const ZorWBValue& child) const {
-    if (!IsIntervalPair(_value, child)) return false;
+bool ZorWBOperator::FoldFast(const ZorWBValue& running, const ZorWBValue& child) const {
+    if (!IsIntervalPair(running, child)) return false;
     const ZorWBEnvironment& e = _factory->_environment;
-    ZorWBRealInterval a = _value.GetAsRealInterval();
+    ZorWBRealInterval a = running.GetAsRealInterval();
     ZorWBRealInterval b = child.GetAsRealInterval();
     ZorWBRealInterval result;
     switch (GetType()) {

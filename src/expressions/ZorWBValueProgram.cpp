@@ -39,8 +39,11 @@ class ZorWBValueProgramCompiler {
                 At(frame.branch).target = Here();
             }
             bool folds = ZorWBIsFoldType(node->GetType());
-            // The child whose code was emitted last is folded in after it.
-            if (folds && frame.child > 0) Emit(Op::Fold, node, frame.child - 1);
+            // The child whose code was emitted last is folded in after it
+            // (a first child that the fold keeps has nothing to do).
+            bool kept =
+                frame.child == 1 && static_cast<const ZorWBOperator*>(node)->KeepsFirstOperand();
+            if (folds && frame.child > 0 && !kept) Emit(Op::Fold, node, frame.child - 1);
             if (frame.child < n) {
                 const ZorWBExpression* child = ZorWBGraphWalk::Child(node, frame.child++);
                 if (!Reference(child, stack)) return false;
