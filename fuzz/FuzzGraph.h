@@ -177,8 +177,12 @@ class FuzzGraph {
     }
 
     // The size of the tree a node unfolds to (each shared node once per
-    // use), counted up to limit.
-    static long long UnfoldedSize(const ZorWBExpression* root, long long limit) {
+    // use), counted up to limit. With unbufferedOnly, a buffered child
+    // counts for nothing: what is left bounds how often an evaluation
+    // computes the unbuffered nodes (black-box calls and the nodes above
+    // them), which it does at every request.
+    static long long UnfoldedSize(const ZorWBExpression* root, long long limit,
+                                  bool unbufferedOnly = false) {
         std::unordered_map<const ZorWBExpression*, long long> sizes;
         std::vector<std::pair<const ZorWBExpression*, int>> stack;
         if (root) stack.push_back({root, 0});
@@ -190,9 +194,11 @@ class FuzzGraph {
                 continue;
             }
             long long size = 1;
-            for (int i = 0; i < node->GetNbOfChildren(); ++i)
-                if (const ZorWBExpression* child = node->GetChild(i))
+            for (int i = 0; i < node->GetNbOfChildren(); ++i) {
+                const ZorWBExpression* child = node->GetChild(i);
+                if (child && (!unbufferedOnly || !child->AllowsBufferEval()))
                     size = std::min(limit, size + sizes[child]);
+            }
             sizes[node] = size;
             stack.pop_back();
         }

@@ -16,6 +16,28 @@ double RealOf(const ZorWBValue& value) {
     return value.GetType() == ZorWBUndefinedType ? NaN : value.GetAsReal();
 }
 
+// Moves a variable (none: nothing) through its value assignment, which
+// invalidates the buffers above it, and gives it its whole former value
+// back at the end of the scope.
+class VariableShift {
+  public:
+    explicit VariableShift(ZorWBVariable* variable) : _variable(variable) {
+        if (_variable) _former = _variable->GetExprValue();
+    }
+    ~VariableShift() {
+        if (_variable) _variable->SetValue(_former, _variable);
+    }
+    VariableShift(const VariableShift&) = delete;
+    VariableShift& operator=(const VariableShift&) = delete;
+    void MoveTo(double x) {
+        if (_variable) _variable->SetValue(ZorWBValue(x), _variable);
+    }
+
+  private:
+    ZorWBVariable* _variable;
+    ZorWBValue _former;
+};
+
 }  // namespace
 
 ZorWBDerivBlackBox::ZorWBDerivBlackBox(ZorWBBlackBox* primitive, ZorWBVariable* variable)
@@ -52,21 +74,21 @@ double ZorWBDerivBlackBox::Difference(double below, double above) const {
 double ZorWBDerivBlackBox::ByVariable(ZorWBBlackBoxOperator& call) {
     double x0 = _variable->Eval();
     if (std::isnan(x0)) return NaN;
-    // The whole value comes back afterwards, whatever its kind.
-    ZorWBValue former = _variable->GetExprValue();
     std::vector<ZorWBValue> arguments(static_cast<std::size_t>(call.GetNbOfChildren()));
+    VariableShift shift(_variable);
     auto primitiveAt = [&](double x) {
-        _variable->SetValue(ZorWBValue(x), _variable);
+        shift.MoveTo(x);
         for (int j = 0; j < call.GetNbOfChildren(); ++j)
             arguments[static_cast<std::size_t>(j)] = call.GetChild(j)->GetValue();
         return call.CallWith(_primitive, arguments.data());
     };
     double below = primitiveAt(x0 - _step);
     double above = primitiveAt(x0 + _step);
-    _variable->SetValue(former, _variable);
     return Difference(below, above);
 }
 
+// The other arguments keep their values; an argument that is a variable
+// moves through the variable too, for a primitive that reads it there.
 double ZorWBDerivBlackBox::ByArgument(ZorWBBlackBoxOperator& call) {
     int n = call.GetNbOfChildren();
     if (_argument < 0 || _argument >= n) return NaN;
@@ -77,9 +99,16 @@ double ZorWBDerivBlackBox::ByArgument(ZorWBBlackBoxOperator& call) {
     ZorWBValue& moved = arguments[static_cast<std::size_t>(_argument)];
     double a = RealOf(moved);
     if (std::isnan(a)) return NaN;
-    moved = ZorWBValue(a - _step);
-    double below = call.CallWith(_primitive, arguments.data());
-    moved = ZorWBValue(a + _step);
-    double above = call.CallWith(_primitive, arguments.data());
+    ZorWBExpression* argument = call.GetChild(_argument);
+    VariableShift shift(argument->GetType() == ZorWBExpressionType::Variable
+                            ? static_cast<ZorWBVariable*>(argument)
+                            : nullptr);
+    auto primitiveAt = [&](double x) {
+        moved = ZorWBValue(x);
+        shift.MoveTo(x);
+        return call.CallWith(_primitive, arguments.data());
+    };
+    double below = primitiveAt(a - _step);
+    double above = primitiveAt(a + _step);
     return Difference(below, above);
 }

@@ -16,7 +16,9 @@ class ZorWBVariable;
 //   call, and the variable gets its former value back;
 // - by argument i of the call (what differentiation makes at current
 //   levels): the primitive is called on the call's argument values with
-//   argument i moved to a - h and a + h; nothing else changes.
+//   argument i moved to a - h and a + h (a its real reading); an argument
+//   that is a variable is moved through its value assignment as well, and
+//   gets its former value back. The other arguments keep their values.
 // The primitive is called as if from the derivative's call node, so it
 // reads the arguments of that node. The result is NaN without a primitive,
 // without a call node, with a step that is not a positive finite number or

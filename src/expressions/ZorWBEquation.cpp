@@ -18,6 +18,12 @@ ZorWBEquation::~ZorWBEquation() {
     if (_next) _next->_previous = _previous;
 }
 
+bool ZorWBEquation::SetRoot(ZorWBExpression* root) {
+    if (root && root->GetFactory() != _factory) return false;
+    _root = root;
+    return true;
+}
+
 const ZorQelString& ZorWBEquation::GetName() {
     if (_name.IsEmpty()) _name = ZorQelString("eq") + _id;
     return _name;
@@ -35,6 +41,16 @@ void ZorWBEquation::SetTheoreticalVarList(ZorQelIntArray* list) try {
     for (int index : *list)
         _theoreticalVariables.Add(index);
 } catch (const std::exception&) {
+}
+
+void ZorWBEquation::ForgetVariableIndex(int index) {
+    int kept = 0;
+    for (int i = 0; i < _theoreticalVariables.GetSize(); ++i) {
+        int listed = _theoreticalVariables[i];
+        if (listed == index) continue;
+        _theoreticalVariables.Set(kept++, listed > index ? listed - 1 : listed);
+    }
+    _theoreticalVariables.SetSize(kept);
 }
 
 bool ZorWBEquation::MarkPresentVariables(ZorQelArray<unsigned char>& present) const try {

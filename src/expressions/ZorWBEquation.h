@@ -19,8 +19,9 @@ class ZORWBX_API ZorWBEquation {
 
     ZorWBFactory* GetFactory() const { return _factory; }
     ZorWBExpression* GetRoot() const { return _root; }
-    // Only replaces the pointer: the old root stays in the factory.
-    void SetRoot(ZorWBExpression* root) { _root = root; }
+    // Only replaces the pointer: the old root stays in the factory. A node of
+    // another factory is refused (false, the root unchanged); null is taken.
+    bool SetRoot(ZorWBExpression* root);
     ZorWBEquationType GetType() const { return _type; }
     int GetId() const { return _id; }
     // "eq" followed by the id until a name is set.
@@ -57,6 +58,9 @@ class ZORWBX_API ZorWBEquation {
 
   private:
     ZorWBExpression* Clone(ZorWBExpression* e);
+    // The variable of that index was removed: it leaves the theoretical
+    // list, and the indices above it move down one.
+    void ForgetVariableIndex(int index);
     // The present-variable bytes of the root, one per factory variable.
     bool MarkPresentVariables(ZorQelArray<unsigned char>& present) const;
 

@@ -2,17 +2,24 @@
 // plain real-number evaluation behind Eval(), which runs a compiled program
 // (ZorWBRealProgram) for roots evaluated again and again.
 //
-// Both run one explicit stack (kept by the factory, so that evaluating does
-// not allocate once it has grown) instead of recursing: a node is pushed,
-// its children that still need work are pushed above it, and the node is
-// computed once they are all done; its DoEval then reads the children's
-// results where the walk left them. Each walk has a number, written into the
-// nodes it reaches, so a node shared by several parents is computed once per
-// walk even when it is unbuffered, and an accidental cycle cannot loop.
+// Both follow the order of a recursive evaluation, in which each node asks
+// its children for their values in order, but run one explicit stack (kept
+// by the factory, so that evaluating does not allocate once it has grown)
+// instead of recursing: a node is pushed, its children that still need work
+// are pushed above it in turn, and the node is computed once they are all
+// done; its DoEval then reads the children's results where the walk left
+// them. A Sum, Product, Min or Max folds each child in as soon as it is
+// ready, before the next one is asked for.
 //
-// The environment's transient domain error is cleared once, when an
-// evaluation starts from outside any other (InitEnvForEval), so that after
-// GetValue the error word tells whether anything below failed.
+// Each walk has a number, written into the nodes it computes. A buffered
+// node is computed once per walk, however many parents ask for it. An
+// unbuffered node keeps no value, so it is computed again at every request,
+// as a recursive evaluation would: its cost is the number of paths that
+// reach it through unbuffered nodes.
+//
+// Every node that the value evaluation computes starts by clearing a lone
+// domain error (InitEnvForEval): the error word an evaluation leaves is
+// that of the nodes computed since the last node started.
 
 #include <cmath>
 #include <exception>
@@ -69,13 +76,34 @@ int ZorWBExpression::RunEvaluation() const {
     std::vector<ZorWBFactory::EvalFrame>& stack = factory._evalStack;
     std::size_t base = stack.size();
     int computed = 0;
-    auto finish = [&factory, &computed](const ZorWBExpression* node) {
+    auto markOf = [](const ZorWBExpression* node) -> unsigned int& {
+        return Real ? node->_realMark : node->_walkMark;
+    };
+    // Whether a request is answered without computing: only a buffered node
+    // keeps what it was computed to.
+    auto ready = [walk, &markOf](const ZorWBExpression* node) {
+        return node->AllowsBufferEval() &&
+               (markOf(node) == walk || (!Real && (node->_flags & BufferValidFlag)));
+    };
+    auto start = [walk, &markOf, &factory](const ZorWBExpression* node) {
+        markOf(node) = walk;
+        if (!Real) factory.InitEnvForEval();
+    };
+    auto finish = [&factory, &computed](const ZorWBExpression* node, bool folded) {
         ++computed;
         if (Real) {
-            node->_real = node->DoEval();
+            if (!folded) node->_real = node->DoEval();
         } else {
-            node->FinishValue();
+            node->FinishValue(folded);
             ++factory._nbOfEvaluations;
+        }
+    };
+    auto fold = [](const ZorWBExpression* node, int i) {
+        const ZorWBOperator* op = static_cast<const ZorWBOperator*>(node);
+        if (Real) {
+            op->FoldReal(i);
+        } else {
+            op->FoldValue(i);
         }
     };
     auto push = [&stack](const ZorWBExpression* node) {
@@ -87,29 +115,28 @@ int ZorWBExpression::RunEvaluation() const {
         }
     };
 
-    auto markOf = [](const ZorWBExpression* node) -> unsigned int& {
-        return Real ? node->_realMark : node->_walkMark;
-    };
-    markOf(this) = walk;
-    if (!push(this)) finish(this);
+    start(this);
+    if (!push(this)) finish(this, false);
     while (stack.size() > base) {
         ZorWBFactory::EvalFrame& frame = stack.back();
         const ZorWBExpression* node = frame.node;
         int position = frame.position++;
+        bool folds = ZorWBIsFoldType(node->GetType());
+        // The child asked for last is ready: a fold takes it in now.
+        if (folds && position > 0) fold(node, position - 1);
         int childIndex = node->GetType() == ZorWBExpressionType::IfThenElse
                              ? NextIfThenElseChild(node, position, Real)
                              : (position < ZorWBGraphWalk::NbOfChildren(node) ? position : -1);
         if (childIndex < 0) {
             stack.pop_back();
-            finish(node);
+            finish(node, folds && position > 0);
             continue;
         }
         const ZorWBExpression* child = ZorWBGraphWalk::Child(node, childIndex);
-        bool ready = markOf(child) == walk || (!Real && (child->_flags & BufferValidFlag));
-        if (ready) continue;
-        markOf(child) = walk;
+        if (ready(child)) continue;
+        start(child);
         // A leaf has nothing below it to wait for.
-        if (child->IsLeaf() || !push(child)) finish(child);
+        if (child->IsLeaf() || !push(child)) finish(child, false);
     }
 
     --factory._evaluationDepth;
@@ -120,7 +147,6 @@ int ZorWBExpression::RunEvaluation() const {
 const ZorWBValue& ZorWBExpression::ComputeValue() const {
     ZorWBFactory& factory = *_factory;
     factory.SetBufferUsed();
-    if (factory._evaluationDepth == 0) factory.InitEnvForEval();
     ZorWBProgramCache<ZorWBValueProgram>* programs = factory.ValuePrograms();
     if (ZorWBValueProgram* program = programs ? programs->Find(this) : nullptr) {
         ZorWBProgramCache<ZorWBValueProgram>::Running running(*programs);
@@ -132,9 +158,9 @@ const ZorWBValue& ZorWBExpression::ComputeValue() const {
     return _value;
 }
 
-void ZorWBExpression::FinishValue() const {
-    if (IsLeaf() || !_factory->_fastValues ||
-        !static_cast<const ZorWBOperator*>(this)->EvaluateFast())
+void ZorWBExpression::FinishValue(bool folded) const {
+    if (!folded && (IsLeaf() || !_factory->_fastValues ||
+                    !static_cast<const ZorWBOperator*>(this)->EvaluateFast()))
         DoEval(_value);
     if (_previousValue) *_previousValue = _value;
     if (AllowsBufferEval()) _flags |= BufferValidFlag;

@@ -137,14 +137,18 @@ bool ZorWBExpression::RemoveParent(ZorWBExpression* child, ZorWBExpression* pare
     if (!child || !parent) return false;
     if (!child->_parents.Remove(parent)) return false;
     if (child->AllowsBufferEval() || child->IsFactoryDestroying()) return true;
-    // The parent may have been unbuffered only because of this child.
-    if (!parent->ValidatesWithoutOwnFlag()) return true;
+    GiveBufferingBack(parent);
+    return true;
+}
+
+void ZorWBExpression::GiveBufferingBack(ZorWBExpression* parent) {
+    // The parent may have been unbuffered only because of the lost child.
+    if (!parent->ValidatesWithoutOwnFlag()) return;
     parent->_flags = 0;
     for (int i = 0; i < parent->_parents.GetSize(); ++i) {
         ZorWBExpression* grandparent = parent->_parents.Get(i);
         if (!grandparent->AllowsBufferEval()) grandparent->SetAllowBufferEval(true, true, true);
     }
-    return true;
 }
 
 bool ZorWBExpression::CanBeRemoved(const ZorWBExpression* exceptParent) const {
@@ -170,6 +174,8 @@ bool ZorWBExpression::ValidatesWithoutOwnFlag() const {
 }
 
 void ZorWBExpression::SetAllowBufferEval(bool allow, bool propagate, bool validate) try {
+    // How often a node is computed depends on it (see the compiled programs).
+    NoteStructureChange();
     auto apply = [allow, validate](ZorWBExpression* node) {
         if (!allow) {
             node->_flags = NoBufferFlag;

@@ -192,6 +192,10 @@ class ZORWBX_API ZorWBExpression {
 
     static bool AddParent(ZorWBExpression* child, ZorWBExpression* parent);
     static bool RemoveParent(ZorWBExpression* child, ZorWBExpression* parent);
+    // After parent lost an unbuffered child: buffering comes back to parent
+    // when no other child forbids it, and so to the ancestors that were
+    // unbuffered only through it.
+    static void GiveBufferingBack(ZorWBExpression* parent);
     static ZorWBExpression* Differentiate(ZorWBExpression* child, ZorWBVariable* variable);
     ZorWBExpression* Replace(ZorWBExpression* oldNode, ZorWBExpression* newNode);
 
@@ -220,7 +224,10 @@ class ZORWBX_API ZorWBExpression {
     template <bool Real>
     int RunEvaluation() const;
     const ZorWBValue& ComputeValue() const;
-    void FinishValue() const;
+    // Computes the value field from the children's values and records it
+    // (previous value, valid flag); folded: the fold of a Sum, Product, Min
+    // or Max has left it there already (see ZorWBOperator::FoldValue).
+    void FinishValue(bool folded) const;
     static int NextIfThenElseChild(const ZorWBExpression* node, int position, bool real);
     bool ValidatesWithoutOwnFlag() const;
     static ZorWBExpression* Substitute(ZorWBExpression* root, ZorWBVariable** vars,

@@ -84,6 +84,24 @@ enum class ZorWBExpressionType : int {
 // The number of types (one past the last).
 constexpr int ZorWBNbOfExpressionTypes = 48;
 
+// The family of each type by number, for the walks that ask it at every node.
+inline constexpr ZorWBNodeFamily ZorWBNodeFamilies[] = {
+#define ZORWB_TYPE_FAMILY(number, member, family, children, parseName, printName, graphLabel, \
+                          function)                                                           \
+    ZorWBNodeFamily::family,
+    ZORWB_EXPRESSION_TYPES(ZORWB_TYPE_FAMILY)
+#undef ZORWB_TYPE_FAMILY
+};
+static_assert(sizeof ZorWBNodeFamilies / sizeof ZorWBNodeFamilies[0] == ZorWBNbOfExpressionTypes,
+              "one family per type");
+
+// Whether nodes of the type fold their children from the left (Sum,
+// Product, Min, Max: the algebraic family).
+inline bool ZorWBIsFoldType(ZorWBExpressionType type) {
+    unsigned int i = static_cast<unsigned int>(type);
+    return i < ZorWBNbOfExpressionTypes && ZorWBNodeFamilies[i] == ZorWBNodeFamily::Algebraic;
+}
+
 // What the table says of one type.
 struct ZorWBExpressionTypeInfo {
     ZorWBExpressionType type;

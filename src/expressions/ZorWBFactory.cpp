@@ -1,8 +1,10 @@
 // The factory's core: lifetime, registration of nodes, predefined constants,
-// tags, the property registry, temporary storage, removal and buffer resets.
+// tags, the property registry, temporary storage and buffer resets (removal
+// is in ZorWBFactoryRemoval.cpp).
 
 #include "expressions/ZorWBFactory.h"
 
+#include <algorithm>
 #include <climits>
 #include <exception>
 #include <new>
@@ -218,12 +220,10 @@ void ZorWBFactory::UseTemporaryStorage(bool use) try {
     std::unordered_map<const ZorWBExpression*, ZorWBExpression*> copies;
     for (ZorWBEquation* equation : _equations)
         equation->SetRoot(ReplaceTemporaryExpressions(equation->GetRoot(), copies));
-    // Made last, so mostly parents of the earlier ones: each goes in one step.
-    while (!_temporaryExpressions.IsEmpty()) {
-        ZorWBExpression* node = _temporaryExpressions.GetLast();
-        _temporaryExpressions.RemoveAt(_temporaryExpressions.GetSize() - 1);
-        delete node;
-    }
+    std::vector<ZorWBExpression*> temporaries(_temporaryExpressions.begin(),
+                                              _temporaryExpressions.end());
+    std::reverse(temporaries.begin(), temporaries.end());  // the last made first
+    DestroyNodes(temporaries);
 } catch (const std::exception&) {
 }
 
@@ -267,46 +267,6 @@ ZorWBExpression* ZorWBFactory::ReplaceTemporaryExpressions(
         });
     _temporaryMode = mode;
     return result;
-}
-
-// ------------------------------------------------------------ removal
-
-bool ZorWBFactory::IsRemovableDescendant(const ZorWBExpression* node) const {
-    if (node->GetType() == ZorWBExpressionType::Variable) return false;
-    ZorWBPredefinedConst index;
-    if (node->IsLeaf() && IsPredefinedConstant(static_cast<const ZorWBConstant*>(node), index))
-        return false;
-    return node->GetProperty(_temporaryProperty) == GetDefaultPropertyValue(_temporaryProperty);
-}
-
-void ZorWBFactory::DestroyDetached(const std::vector<ZorWBExpression*>& nodes) try {
-    if (nodes.empty()) return;
-    unsigned int walk = NewWalk();
-    for (ZorWBExpression* node : nodes)
-        node->_walkMark = walk;
-    ZorQelListPZorWBExpression kept;
-    kept.Reserve(_expressions.GetSize());
-    for (ZorWBExpression* node : _expressions) {
-        if (node->_walkMark != walk) kept.Add(node);
-    }
-    _expressions = kept;
-    for (ZorWBExpression* node : nodes)
-        delete node;
-} catch (const std::exception&) {
-}
-
-bool ZorWBFactory::RemoveExpression(ZorWBExpression*& e, const ZorWBExpression* exceptParent) {
-    if (!e || e->GetFactory() != this) return false;
-    ZorWBPredefinedConst index;
-    if (e->IsLeaf() && IsPredefinedConstant(static_cast<ZorWBConstant*>(e), index)) return false;
-    if (!_expressions.Contains(e) || !e->CanBeRemoved(exceptParent)) return false;
-    e->RemoveUniqueChildren();
-    _expressions.Remove(e);
-    if (e->GetType() == ZorWBExpressionType::Variable)
-        _variables.Remove(static_cast<ZorWBVariable*>(e));
-    delete e;
-    e = nullptr;
-    return true;
 }
 
 // ------------------------------------------------------------ buffers

@@ -444,7 +444,10 @@ class ZORWBX_API ZorWBFactory {
     // ------------------------------------------------------------ removal
     // Destroys e (and the nodes only it uses, see RemoveUniqueChildren) when
     // it is a permanent node that nothing but exceptParent uses, then sets
-    // e to null. The predefined constants are shared and never removed.
+    // e to null; exceptParent loses it as a child. The predefined constants
+    // are shared and never removed, nor is the root of an equation. The
+    // variables after a removed variable move down one index, so that an
+    // index stays the variable's position (see ZorWBVariable::GetIdx).
     bool RemoveExpression(ZorWBExpression*& e, const ZorWBExpression* exceptParent = nullptr);
 
     // ------------------------------------------------------------ cloning
@@ -478,8 +481,8 @@ class ZORWBX_API ZorWBFactory {
     void ResetBuffer(ZorWBExpression* e);
     void SetBufferUsed() { _bufferUsed = true; }
     bool IsBufferUsed() const { return _bufferUsed; }
-    // How many node evaluations (DoEval calls) GetValue has made since the
-    // factory was made or the counter reset.
+    // How many times GetValue has computed a node (an unbuffered node at
+    // each request) since the factory was made or the counter reset.
     long long GetNbOfEvaluations() const { return _nbOfEvaluations; }
     void ResetNbOfEvaluations() { _nbOfEvaluations = 0; }
     // Eval() of a root of some size compiles the root's subgraph at its
@@ -501,7 +504,8 @@ class ZORWBX_API ZorWBFactory {
     // How many GetValue calls a compiled program answered.
     long long GetNbOfValueProgramRuns() const;
     // A number that changes whenever a node loses, gains or swaps a child, a
-    // Step parameter or a black box, or is destroyed.
+    // Step parameter or a black box, is made buffered or unbuffered, or is
+    // destroyed.
     unsigned long long GetStructureVersion() const { return _structureVersion; }
 
     // ------------------------------------------------------------ equations
@@ -688,11 +692,26 @@ class ZORWBX_API ZorWBFactory {
     // Adds a new node to the expressions, or to the temporary ones in
     // temporary mode; destroys it and gives null when memory is short.
     ZorWBExpression* Register(ZorWBExpression* node, bool alwaysPermanent = false);
-    // Whether a descendant left without parents goes with its last parent:
-    // not variables, predefined constants or temporary nodes.
-    bool IsRemovableDescendant(const ZorWBExpression* node) const;
-    // Takes nodes that nothing uses out of the expressions and destroys them.
-    void DestroyDetached(const std::vector<ZorWBExpression*>& nodes);
+    // Marks the roots of the equations, which no removal takes, with a new
+    // walk number, and returns it.
+    unsigned int MarkEquationRoots();
+    // Whether a descendant goes with its last parent: not variables,
+    // predefined constants, temporary nodes or equation roots (marked
+    // with the walk number roots).
+    bool IsRemovableDescendant(const ZorWBExpression* node, unsigned int roots) const;
+    // The removable descendants of node that only node's subgraph uses, each
+    // once (roots as above; nothing else may walk in between).
+    std::vector<ZorWBExpression*> UniqueDescendants(const ZorWBExpression* node,
+                                                    unsigned int roots) const;
+    // Destroys the nodes (each listed once, in the order given): they leave
+    // the factory's lists, and the nodes that survive them lose them as
+    // children (buffers above invalidated) and as parents. False, changing
+    // nothing, when memory is short.
+    bool DestroyNodes(const std::vector<ZorWBExpression*>& nodes);
+    // Takes the variable at index out of the variable list and renumbers
+    // those after it, in the variables and in the equations' theoretical
+    // lists.
+    void ForgetVariable(int index);
     // The piece of one interval of a segment function; null for an unknown
     // interpolation type.
     ZorWBExpression* CreateSegmentPiece(ZorWBExpression* x,

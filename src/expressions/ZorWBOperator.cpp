@@ -3,7 +3,6 @@
 #include <cmath>
 #include <exception>
 #include <new>
-#include <vector>
 
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBGraphWalk.h"
@@ -105,30 +104,7 @@ bool ZorWBOperator::ValidateAllowBufferEval() const {
 
 void ZorWBOperator::RemoveUniqueChildren() try {
     ZorWBFactory& factory = *GetFactory();
-    NoteStructureChange();
-    // A descendant goes when every parent it has goes: this node gives up
-    // the children only it uses; a node that goes gives up all its children.
-    std::vector<ZorWBExpression*> doomed;
-    std::vector<ZorWBExpression*> work{this};
-    while (!work.empty()) {
-        ZorWBOperator* node = static_cast<ZorWBOperator*>(work.back());
-        work.pop_back();
-        for (int i = node->_nbOfChildren - 1; i >= 0; --i) {
-            ZorWBExpression* child = node->_children[i];
-            bool onlyUser = child->_parents.Count(node) == child->_parents.GetSize();
-            if (node == this && (!onlyUser || !factory.IsRemovableDescendant(child))) continue;
-            node->_children[i] = nullptr;
-            for (int j = i + 1; j < node->_nbOfChildren; ++j)
-                node->_children[j - 1] = node->_children[j];
-            --node->_nbOfChildren;
-            child->_parents.Remove(node);
-            if (child->_parents.IsEmpty() && factory.IsRemovableDescendant(child)) {
-                doomed.push_back(child);
-                if (!child->IsLeaf()) work.push_back(child);
-            }
-        }
-    }
-    factory.DestroyDetached(doomed);
+    factory.DestroyNodes(factory.UniqueDescendants(this, factory.MarkEquationRoots()));
 } catch (const std::exception&) {
 }
 

@@ -23,8 +23,8 @@ class ZORWBX_API ZorWBOperator : public ZorWBExpression {
     void ResetBuffer(bool complete) override;
     // Removes from the factory, and destroys, every descendant that is used
     // only inside this node's subgraph (all its parents are being removed),
-    // except variables, predefined constants and temporary nodes; their
-    // positions are dropped from this node's children.
+    // except variables, predefined constants, temporary nodes and equation
+    // roots; their positions are dropped from this node's children.
     void RemoveUniqueChildren() override;
 
   protected:
@@ -57,13 +57,51 @@ class ZORWBX_API ZorWBOperator : public ZorWBExpression {
     friend class ZorWBExpression;
     friend class ZorWBGraphWalk;
     friend class ZorWBEqualityEngine;
+    friend class ZorWBValueProgram;
+    friend class ZorWBValueProgramCompiler;
     bool ReplaceChildUnchecked(int i, ZorWBExpression* child);
     ZorWBExpression* ChildAt(int i) const { return _children[i]; }
     // Computes the value field for the most frequent kinds (real intervals
     // with integers, reals and real intervals) without the kind dispatch of
     // the value functions, as DoEval would; false, touching nothing, for
-    // any other case.
+    // any other case. Not for the folds, which go step by step.
     bool EvaluateFast() const;
+    // One step of the left fold of a Sum, Product, Min or Max, taken as soon
+    // as child i is ready, before the next child is asked for: the value
+    // field (the real of the real evaluation) takes child 0, then combines
+    // with child i. A child computed at every request (unbuffered) thus
+    // enters the fold with the value of its own request.
+    void FoldValue(int i) const;
+    void FoldReal(int i) const;
+    // Whether the value fold reads a buffered first child at the second
+    // step rather than copying it at the first: its value stays put in
+    // between, and the copy is spared.
+    bool KeepsFirstOperand() const {
+        return _nbOfChildren >= 2 && _children[0]->AllowsBufferEval();
+    }
+    // The value fold step running (op) child into the value field for a real
+    // interval and a child that combines with it into a real interval,
+    // without the kind dispatch; false, touching nothing, for any other pair.
+    bool FoldFast(const ZorWBValue& running, const ZorWBValue& child) const;
+    // Drops every child position holding a node for which drop(node) holds,
+    // without telling the children; whether one of them was unbuffered.
+    template <class Drop>
+    bool DropChildren(Drop&& drop) {
+        int kept = 0;
+        bool unbuffered = false;
+        for (int i = 0; i < _nbOfChildren; ++i) {
+            ZorWBExpression* child = _children[i];
+            if (drop(child)) {
+                unbuffered = unbuffered || !child->AllowsBufferEval();
+            } else {
+                _children[kept++] = child;
+            }
+        }
+        for (int i = kept; i < _nbOfChildren; ++i)
+            _children[i] = nullptr;
+        _nbOfChildren = kept;
+        return unbuffered;
+    }
 
     ZorWBExpression** _children;
     int _nbOfChildren = 0;

@@ -317,14 +317,11 @@ inline bool IsIntervalPair(const ZorWBValue& a, const ZorWBValue& b) {
 
 // What the value functions do when the general kind dispatch picks a real
 // interval: the same interval function on the same readings, with the same
-// recorded environments (a fold records it on its running value, a copy,
-// and on each further child; the other operators on every child) and the
-// same result, a real interval without environment. Children not yet
-// evaluated, enumerations and every other kind go the general way, as does
-// a value field holding an enumeration (whose assignment is not scalar).
+// recorded environments (on every child) and the same result, a real
+// interval without environment. Children not yet evaluated, enumerations
+// and every other kind go the general way, as does a value field holding an
+// enumeration (whose assignment is not scalar).
 bool ZorWBOperator::EvaluateFast() const {
-    using Environment = ZorWBEnvironment;
-    using Interval = ZorWBRealInterval;
     const ZorWBValueType current = _value.GetType();
     if (current == ZorWBIntegerEnumType || current == ZorWBRealEnumType) return false;
     const ZorWBExpression* const* children = _children;
@@ -336,41 +333,7 @@ bool ZorWBOperator::EvaluateFast() const {
         return done ? &child->_value : nullptr;
     };
     const ZorWBEnvironment& environment = factory._environment;
-    auto fold = [&](auto combine) {
-        if (n < 2) return false;
-        const ZorWBValue* first = ready(children[0]);
-        const ZorWBValue* second = ready(children[1]);
-        if (!first || !second || !IsIntervalPair(*first, *second)) return false;
-        for (int i = 2; i < n; ++i) {
-            const ZorWBValue* further = ready(children[i]);
-            if (!further || !IsIntervalOperand(further->GetType())) return false;
-        }
-        ZorWBRealInterval result = first->GetAsRealInterval();
-        for (int i = 1; i < n; ++i) {
-            const ZorWBValue& child = children[i]->_value;
-            child.RecordEnv(environment);
-            result = combine(environment, result, child.GetAsRealInterval());
-        }
-        _value.AssignResult(result);
-        return true;
-    };
     switch (GetType()) {
-        case Type::Sum:
-            return fold([](const Environment& e, const Interval& a, const Interval& b) {
-                return ZorWBIntervalRules::SumOf(e, a, b);
-            });
-        case Type::Product:
-            return fold([](const Environment& e, const Interval& a, const Interval& b) {
-                return ZorWBIntervalRules::ProductOf(e, a, b);
-            });
-        case Type::Min:
-            return fold([](const Environment& e, const Interval& a, const Interval& b) {
-                return ZorWBMin(e, a, b);
-            });
-        case Type::Max:
-            return fold([](const Environment& e, const Interval& a, const Interval& b) {
-                return ZorWBMax(e, a, b);
-            });
         case Type::Quotient:
         case Type::Power: {
             if (n < 2) return false;
@@ -405,4 +368,59 @@ bool ZorWBOperator::EvaluateFast() const {
             return true;
         }
     }
+}
+
+// ------------------------------------------------------------ fold steps
+
+void ZorWBOperator::FoldValue(int i) const {
+    // The walk folds a child in once it is computed or found ready.
+    const ZorWBValue& child = _children[i]->_value;
+    const bool fast = _factory->_fastValues;
+    if (i == 0) {
+        if (!KeepsFirstOperand()) _value = child;
+        return;
+    }
+    if (i == 1 && KeepsFirstOperand()) {
+        const ZorWBValue& first = _children[0]->_value;
+        if (fast && FoldFast(first, child)) return;
+        _value = first;
+    }
+    if (fast && FoldFast(_value, child)) return;
+    _value = BinaryKindOf(GetType()).value(GetEnvironment(), _value, child);
+}
+
+void ZorWBOperator::FoldReal(int i) const {
+    double child = _children[i]->_real;
+    _real = i == 0 ? child : BinaryKindOf(GetType()).real(_real, child);
+}
+
+// What the value function of the fold does with a real interval and an
+// integer, a real or a real interval: the interval rule on their readings,
+// recording the environment on the child (the one recorded on the running
+// value goes with the assignment of the result).
+bool ZorWBOperator::FoldFast(const ZorWBValue& running, const ZorWBValue& child) const {
+    if (!IsIntervalPair(running, child)) return false;
+    const ZorWBEnvironment& e = _factory->_environment;
+    ZorWBRealInterval a = running.GetAsRealInterval();
+    ZorWBRealInterval b = child.GetAsRealInterval();
+    ZorWBRealInterval result;
+    switch (GetType()) {
+        case Type::Sum:
+            result = ZorWBIntervalRules::SumOf(e, a, b);
+            break;
+        case Type::Product:
+            result = ZorWBIntervalRules::ProductOf(e, a, b);
+            break;
+        case Type::Min:
+            result = ZorWBMin(e, a, b);
+            break;
+        case Type::Max:
+            result = ZorWBMax(e, a, b);
+            break;
+        default:
+            return false;
+    }
+    child.RecordEnv(e);
+    _value.AssignResult(result);
+    return true;
 }

@@ -39,13 +39,6 @@ bool ZorWBParentList::Remove(const ZorWBExpression* parent) {
     return false;
 }
 
-int ZorWBParentList::Count(const ZorWBExpression* parent) const {
-    int count = 0;
-    for (int i = 0; i < _size; ++i)
-        count += Get(i) == parent ? 1 : 0;
-    return count;
-}
-
 void ZorWBParentList::Clear() {
     if (_capacity != 0) delete[] _many;
     _one = nullptr;

@@ -29,8 +29,24 @@ class ZORWBX_API ZorWBParentList {
     // (the parent removed most often: nodes die in reverse creation order);
     // false when it is absent.
     bool Remove(const ZorWBExpression* parent);
-    // How many times parent is listed.
-    int Count(const ZorWBExpression* parent) const;
+    // Removes every entry for which drop(entry) holds, keeping the order of
+    // the others: one pass, however many go.
+    template <class Drop>
+    void RemoveIf(Drop&& drop) {
+        int kept = 0;
+        for (int i = 0; i < _size; ++i) {
+            ZorWBExpression* parent = Get(i);
+            if (drop(parent)) continue;
+            if (_capacity == 0) {
+                _one = parent;
+            } else {
+                _many[kept] = parent;
+            }
+            ++kept;
+        }
+        if (_capacity == 0 && kept == 0) _one = nullptr;
+        _size = kept;
+    }
     void Clear();
 
   private:

@@ -143,6 +143,10 @@ class ZorWBRealProgramCompiler {
             switch (frame.step) {
                 case Enter: {
                     NodeInfo& info = Info(node);
+                    // The walk computes an unbuffered node at each request,
+                    // which a register computed once cannot follow.
+                    if (!node->IsLeaf() && !node->AllowsBufferEval() && info.state != State::New)
+                        return false;
                     if (node->IsLeaf() || (info.state == State::Emitted && IsComputedHere(info))) {
                         stack.pop_back();
                         continue;

@@ -26,9 +26,12 @@ class ZorWBOperator;
 // A node reached from branches of different IfThenElse nodes may be
 // computed in either, in neither or in both places: its later occurrences
 // are guarded by a stamp that says whether this run has computed it already.
+// An unbuffered operator (a black-box call, a node above one), which the walk
+// computes at each request, is compiled only where it is reached once.
 class ZorWBRealProgram {
   public:
-    // Null when the subgraph holds a cycle or memory runs short.
+    // Null when the subgraph holds a cycle or an unbuffered operator reached
+    // more than once, or memory runs short.
     static std::unique_ptr<ZorWBRealProgram> Compile(const ZorWBExpression* root);
 
     // The root's real value, from the current values of the leaves.

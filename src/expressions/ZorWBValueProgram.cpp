@@ -38,6 +38,12 @@ class ZorWBValueProgramCompiler {
                 frame.jump = Emit(Op::Jump, node);
                 At(frame.branch).target = Here();
             }
+            bool folds = ZorWBIsFoldType(node->GetType());
+            // The child whose code was emitted last is folded in after it
+            // (a first child that the fold keeps has nothing to do).
+            bool kept =
+                frame.child == 1 && static_cast<const ZorWBOperator*>(node)->KeepsFirstOperand();
+            if (folds && frame.child > 0 && !kept) Emit(Op::Fold, node, frame.child - 1);
             if (frame.child < n) {
                 const ZorWBExpression* child = ZorWBGraphWalk::Child(node, frame.child++);
                 if (!Reference(child, stack)) return false;
@@ -47,7 +53,7 @@ class ZorWBValueProgramCompiler {
                 At(frame.jump).target = Here();
                 At(frame.branch).end = Here();
             }
-            Emit(Op::Finish, node);
+            At(Emit(Op::Finish, node)).end = folds && n > 0 ? 1 : 0;
             At(frame.enter).target = Here();
             _done[node] = frame.enter;
             stack.pop_back();
@@ -118,7 +124,12 @@ void ZorWBValueProgram::Run(ZorWBFactory& factory) {
     factory._valueWalk = walk;
     ++factory._evaluationDepth;
     auto ready = [walk](const ZorWBExpression* node) {
-        return (node->_flags & ZorWBExpression::BufferValidFlag) || node->_walkMark == walk;
+        return node->AllowsBufferEval() &&
+               ((node->_flags & ZorWBExpression::BufferValidFlag) || node->_walkMark == walk);
+    };
+    auto start = [walk, &factory](const ZorWBExpression* node) {
+        node->_walkMark = walk;
+        factory.InitEnvForEval();
     };
     _calls.clear();
     const Instruction* code = _code.data();
@@ -131,13 +142,13 @@ void ZorWBValueProgram::Run(ZorWBFactory& factory) {
                 if (ready(node)) {
                     pc = in.target - 1;
                 } else {
-                    node->_walkMark = walk;
+                    start(node);
                 }
                 break;
             case Op::Leaf:
                 if (!ready(node)) {
-                    node->_walkMark = walk;
-                    node->FinishValue();
+                    start(node);
+                    node->FinishValue(false);
                     ++factory._nbOfEvaluations;
                 }
                 break;
@@ -148,8 +159,11 @@ void ZorWBValueProgram::Run(ZorWBFactory& factory) {
                     pc = in.target - 1;
                 }
                 break;
+            case Op::Fold:
+                static_cast<const ZorWBOperator*>(node)->FoldValue(in.target);
+                break;
             case Op::Finish:
-                node->FinishValue();
+                node->FinishValue(in.end != 0);
                 ++factory._nbOfEvaluations;
                 if (!_calls.empty() && _calls.back().node == node) {
                     pc = _calls.back().back - 1;

@@ -11,14 +11,17 @@ class ZorWBFactory;
 // The buffered evaluation of a root (GetValue) laid out flat: the node walk
 // of the root's subgraph, depth first with the children in order, written
 // once as a list of instructions. Each node's code checks, as the walk
-// does, whether the node is valid or already computed in this run, and
-// jumps over the node and everything below it when it is; otherwise the
-// node is marked, its children's code runs, and the node is computed
+// does, whether the node can answer without computing (buffered, and valid
+// or already computed in this run), and jumps over the node and everything
+// below it when it can; otherwise the node is started (marked, a lone
+// domain error cleared), its children's code runs, a Sum, Product, Min or
+// Max folding each child in after its code, and the node is computed
 // (ZorWBExpression::FinishValue). A node met again further on is visited
-// through a call to its code, made only when it still needs computing; an
-// IfThenElse runs the code of the branch its condition chooses. Buffers,
-// flags, marks, the evaluation counter and the error word thus change
-// exactly as with the walk, node by node and in the same order.
+// through a call to its code, made only when it needs computing, which an
+// unbuffered node always does; an IfThenElse runs the code of the branch
+// its condition chooses. Buffers, flags, marks, the evaluation counter and
+// the error word thus change exactly as with the walk, node by node and in
+// the same order.
 class ZorWBValueProgram {
   public:
     // Null when the subgraph holds a cycle, its root is a leaf, or memory
@@ -32,11 +35,14 @@ class ZorWBValueProgram {
   private:
     friend class ZorWBValueProgramCompiler;
 
+    // "Ready": the node answers without computing (see the walk).
     enum class Op : unsigned char {
-        Enter,   // jump to target when node is valid or marked, else mark it
-        Leaf,    // unless node is valid or marked: mark it and compute it
-        Visit,   // unless node is valid or marked: call its code at target
-        Finish,  // compute node; return when the innermost call is for node
+        Enter,   // jump to target when node is ready, else start it
+        Leaf,    // unless node is ready: start it and compute it
+        Visit,   // unless node is ready: call its code at target
+        Fold,    // node folds in its child number target
+        Finish,  // compute node (folded when end is 1); return when the
+                 // innermost call is for node
         Branch,  // node's condition chooses: then part next, else part at
                  // target, neither at end
         Jump,    // to target

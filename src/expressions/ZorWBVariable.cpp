@@ -1,5 +1,7 @@
 #include "expressions/ZorWBVariable.h"
 
+#include <exception>
+
 #include "expressions/ZorWBFactory.h"
 
 ZorWBVariable::ZorWBVariable(ZorWBFactory* factory, int tag, int index)
@@ -8,6 +10,13 @@ ZorWBVariable::ZorWBVariable(ZorWBFactory* factory, int tag, int index)
 const ZorQelString& ZorWBVariable::GetName() {
     if (_name.IsEmpty()) _name = ZorQelString("va") + _index;
     return _name;
+}
+
+void ZorWBVariable::SetIndex(int index) try {
+    if (_name == ZorQelString("va") + _index) _name = ZorQelString();
+    _index = index;
+} catch (const std::exception&) {
+    _index = index;
 }
 
 void ZorWBVariable::Fix(bool fixed) {

@@ -7,7 +7,8 @@
 
 // An unknown of the problem: a constant of type Variable whose value the host
 // assigns (an exact value, an interval or an enumeration). Its index is its
-// position in the factory's variable list at its creation.
+// position in the factory's variable list: the number of variables made
+// before it, less those removed since (see ZorWBFactory::RemoveExpression).
 class ZORWBX_API ZorWBVariable : public ZorWBConstant {
   public:
     int GetIdx() const { return _index; }
@@ -46,6 +47,10 @@ class ZORWBX_API ZorWBVariable : public ZorWBConstant {
     ZorWBExpression* DifferentiateProtected(ZorWBVariable* variable) override;
 
   private:
+    // A new index after a removal; a name that was only the default one
+    // ("va" and the old index) follows it.
+    void SetIndex(int index);
+
     int _index;
     double _preferredValue = 0.0;
     bool _hasPreferredValue = false;

@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <vector>
 
+#include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBVariable.h"
 
@@ -68,5 +70,53 @@ TEST(ZorWBDeepGraph, CopyCompareSubstituteAnalyseResetAndDestroyAMillionDeepGrap
     f.AddEquation(chain, ZorWBEqualZero);
     ZorWBFactory equations;
     EXPECT_EQ(equations.CloneEquations(f), 1);
+    factory.reset();
+}
+
+// A million nodes sharing a few constants: removing them, or closing the
+// temporary storage that made them, settles each edge once instead of
+// searching a million-long parent list for each dying node.
+TEST(ZorWBDeepGraph, RemovalAndTemporaryStorageStayLinearInTheUsersOfASharedConstant) {
+    auto factory = std::make_unique<ZorWBFactory>();
+    ZorWBFactory& f = *factory;
+    ZorWBVariable* x = f.CreateVariable();
+    x->SetExprValue(ZorWBValue(3));
+    ZorWBConstant* half = f.CreateRealConstant(0.5);
+    ZorWBConstant* two = f.GetTwo();
+    int before = f.GetNbOfExpressions();
+
+    // Products of x and the shared constants under one sum: the products go
+    // in the order of the sum's children, the first users of the constants
+    // first.
+    std::vector<ZorWBExpression*> terms(static_cast<std::size_t>(Depth));
+    auto makeTerms = [&]() {
+        for (std::size_t i = 0; i < terms.size(); ++i)
+            terms[i] = i % 2 ? f.CreateProduct(half, x) : f.CreateProduct(x, two);
+    };
+    constexpr double Value = Depth / 2 * (1.5 + 6.0);
+    makeTerms();
+    ZorWBExpression* root = f.CreateSum(Depth, terms.data());
+    ZorWBExpression* kept = f.CreateProduct(two, half);
+    ASSERT_DOUBLE_EQ(root->GetValue().GetAsReal(), Value);
+    EXPECT_TRUE(f.RemoveExpression(root));
+    EXPECT_EQ(f.GetNbOfExpressions(), before + 1);
+    ASSERT_EQ(two->GetNbOfParents(), 1);
+    EXPECT_EQ(two->GetParent(0), kept);
+    EXPECT_EQ(half->GetNbOfParents(), 1);
+    EXPECT_EQ(x->GetNbOfParents(), 0);
+
+    // The same graph made in temporary storage and reached by an equation:
+    // the permanent copies join the constants' parents before the
+    // temporary nodes leave them.
+    f.UseTemporaryStorage(true);
+    makeTerms();
+    ZorWBEquation* equation = f.AddEquation(f.CreateSum(Depth, terms.data()), ZorWBEqualZero);
+    f.UseTemporaryStorage(false);
+    EXPECT_EQ(f.GetNbOfTemporaryExpressions(), 0);
+    EXPECT_EQ(two->GetNbOfParents(), 1 + Depth / 2);
+    EXPECT_EQ(half->GetNbOfParents(), 1 + Depth / 2);
+    EXPECT_EQ(x->GetNbOfParents(), Depth);
+    EXPECT_EQ(equation->GetRoot()->GetNbOfChildren(), Depth);
+    EXPECT_DOUBLE_EQ(equation->GetRoot()->GetValue().GetAsReal(), Value);
     factory.reset();
 }

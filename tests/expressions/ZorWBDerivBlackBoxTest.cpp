@@ -26,6 +26,16 @@ class SurfaceBlackBox : public ZorWBBBx {
     int calls = 0;
 };
 
+// f(a) = a^3, reading its argument through its operator node instead of
+// GetArgument.
+class NodeReadingBlackBox : public ZorWBBBx {
+  public:
+    double Eval() override {
+        double a = GetOperator()->GetChild(0)->GetValue().GetAsReal();
+        return a * a * a;
+    }
+};
+
 ZorWBDerivBlackBox* DerivativeOf(const ZorWBExpression* call) {
     EXPECT_EQ(call->GetType(), Type::BlackBox);
     ZorWBBlackBox* bb = static_cast<const ZorWBBlackBoxOperator*>(call)->GetBlackBox();
@@ -77,6 +87,31 @@ TEST(ZorWBDerivBlackBox, PartialDerivativesByArgumentAtCurrentLevels) {
         EXPECT_EQ(x->GetExprValue().GetAsReal(), a);
         EXPECT_EQ(byX->Eval(), Reading(byX));
     }
+}
+
+// A partial derivative by an argument that is a variable moves the variable
+// itself, so a black box that reads its operands through its node sees the
+// step; the variable gets its whole value back.
+TEST(ZorWBDerivBlackBox, AVariableArgumentIsMovedThroughTheVariable) {
+    NodeReadingBlackBox cube;
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    ZorWBExpression* args[] = {x};
+    ZorWBExpression* call = f.DeclareBlackBox(&cube, 1, args, false);
+    ZorWBExpression* derivative = f.CreateDerivative(call, x);
+    for (double a : {-1.5, 0.25, 2.0}) {
+        SetReal(x, a);
+        EXPECT_TRUE(Agrees(Reading(derivative), 3.0 * a * a, 1e-6)) << a;
+        EXPECT_EQ(derivative->Eval(), Reading(derivative));
+        EXPECT_EQ(x->GetExprValue().GetType(), ZorWBRealType);
+        EXPECT_EQ(x->GetExprValue().GetAsReal(), a);
+        EXPECT_DOUBLE_EQ(Reading(call), a * a * a);
+    }
+    // Around the midpoint of an interval, which comes back whole.
+    x->SetExprValue(ZorWBValue(ZorWBRealInterval{1.0, 3.0}));
+    EXPECT_TRUE(Agrees(Reading(derivative), 12.0, 1e-6));
+    EXPECT_EQ(x->GetExprValue().GetType(), ZorWBRealIntervalType);
+    EXPECT_EQ(x->GetExprValue().GetAsRealInterval().high, 3.0);
 }
 
 TEST(ZorWBDerivBlackBox, ChainRuleThroughArgumentsAndSecondDerivatives) {

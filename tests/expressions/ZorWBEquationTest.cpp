@@ -74,6 +74,38 @@ TEST(ZorWBEquation, TwoSidedEquationsSubtract) {
     EXPECT_EQ(e->GetRoot(), x);
 }
 
+// A root must belong to the equation's factory: the present variables are
+// marked in one byte per variable of that factory.
+TEST(ZorWBEquation, SetRootRefusesANodeOfAnotherFactory) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBFactory other(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    ZorWBVariable* far[6];
+    for (ZorWBVariable*& variable : far)
+        variable = other.CreateVariable();
+    ZorWBExpression* foreign = other.CreateSum(far[4], far[5]);
+    ZorWBEquation* e = f.AddEquation(f.CreateSin(x), ZorWBEqualZero);
+    ZorWBExpression* root = e->GetRoot();
+
+    EXPECT_FALSE(e->SetRoot(foreign));
+    EXPECT_EQ(e->GetRoot(), root);
+    ZorQelListPZorWBVariable present;
+    ASSERT_TRUE(e->FindPresentVariables(present));
+    ASSERT_EQ(present.GetSize(), 1);
+    EXPECT_EQ(present[0], x);
+    ZorQelIntArray listed;
+    listed.Add(0);
+    e->SetTheoreticalVarList(&listed);
+    EXPECT_TRUE(e->AreVarConsistent());
+
+    // A root of the factory, or none, is taken.
+    EXPECT_TRUE(e->SetRoot(x));
+    EXPECT_EQ(e->GetRoot(), x);
+    EXPECT_TRUE(e->SetRoot(nullptr));
+    EXPECT_EQ(e->GetRoot(), nullptr);
+    EXPECT_FALSE(e->FindPresentVariables(present));
+}
+
 TEST(ZorWBEquation, TheoreticalVariablesAndConsistency) {
     ZorWBFactory f(ZorWBLevel::All);
     ZorWBVariable* v[4];

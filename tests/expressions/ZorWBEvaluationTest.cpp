@@ -26,6 +26,13 @@ std::set<const ZorWBExpression*> AncestorsOf(const ZorWBExpression* node) {
     return found;
 }
 
+// A black box answering 1, 2, 3, ... at its successive calls.
+class SequenceBlackBox : public ZorWBBBx {
+  public:
+    double Eval() override { return ++calls; }
+    int calls = 0;
+};
+
 void EvaluateAll(const std::vector<ZorWBExpression*>& nodes) {
     for (ZorWBExpression* node : nodes)
         node->GetValue();
@@ -174,24 +181,51 @@ TEST(ZorWBEvaluation, UnbufferedNodesSpreadToAncestorsAndGiveBufferingBack) {
     EXPECT_TRUE(late->AllowsBufferEval());
 }
 
-TEST(ZorWBEvaluation, SharedUnbufferedNodesRunOncePerEvaluation) {
-    CountingBlackBox bb;
+// An unbuffered node keeps no value, so it is computed again wherever it is
+// asked for: a black box used twice is called twice, and a stateful one
+// gives each use its own answer.
+TEST(ZorWBEvaluation, UnbufferedNodesAreComputedAtEveryRequest) {
+    SequenceBlackBox sequence;  // the black boxes outlive the factory
+    CountingBlackBox counting;
     ZorWBFactory f(ZorWBLevel::All);
-    bb.offset = 1.0;
-    ZorWBExpression* call = f.DeclareBlackBox(&bb, 0, nullptr, false);
-    // A tower of squares: as a tree it would hold 2^40 calls.
-    ZorWBExpression* tower = call;
-    for (int i = 0; i < 40; ++i)
+    ZorWBExpression* call = f.DeclareBlackBox(&sequence, 0, nullptr, false);
+    ZorWBExpression* twice = f.CreateSum(call, call);
+    EXPECT_DOUBLE_EQ(RealValue(twice), 1.0 + 2.0);
+    EXPECT_EQ(sequence.calls, 2);
+    EXPECT_EQ(twice->Eval(), 3.0 + 4.0);
+    // A node above the call is unbuffered too: each use asks the call again.
+    ZorWBExpression* doubled = f.CreateProduct(call, f.GetTwo());
+    ZorWBExpression* operands[] = {doubled, doubled, call};
+    ZorWBExpression* three = f.CreateSum(3, operands);
+    EXPECT_DOUBLE_EQ(RealValue(three), 2.0 * 5.0 + 2.0 * 6.0 + 7.0);
+    EXPECT_EQ(three->Eval(), 2.0 * 8.0 + 2.0 * 9.0 + 10.0);
+    EXPECT_EQ(sequence.calls, 10);
+
+    // A tower of shared squares asks the call once per path: 2^10 times,
+    // while the buffered Sin beside it is computed once.
+    counting.offset = 1.0;
+    ZorWBExpression* one = f.DeclareBlackBox(&counting, 0, nullptr, false);
+    ZorWBExpression* tower = one;
+    for (int i = 0; i < 10; ++i)
         tower = f.CreateProduct(tower, tower);
-    ZorWBExpression* root = f.CreateSum(tower, f.CreateSin(call));
-    EXPECT_DOUBLE_EQ(RealValue(root), 1.0 + std::sin(1.0));
-    EXPECT_EQ(bb.calls, 1);
+    ZorWBVariable* x = f.CreateVariable();
+    SetReal(x, 1.0);
+    ZorWBExpression* sine = f.CreateSin(x);
+    ZorWBExpression* root = f.CreateSum(f.CreateSum(tower, sine), sine);
     f.ResetNbOfEvaluations();
-    RealValue(root);
-    EXPECT_EQ(bb.calls, 2);
-    EXPECT_EQ(f.GetNbOfEvaluations(), 43);  // the call, 40 squares, Sin and Sum
-    EXPECT_DOUBLE_EQ(root->Eval(), 1.0 + std::sin(1.0));
-    EXPECT_EQ(bb.calls, 3);
+    EXPECT_DOUBLE_EQ(RealValue(root), 1.0 + 2.0 * std::sin(1.0));
+    EXPECT_EQ(counting.calls, 1024);
+    // 2047 nodes of the unfolded tower, x, Sin and the two Sums.
+    EXPECT_EQ(f.GetNbOfEvaluations(), 2047 + 4);
+    EXPECT_DOUBLE_EQ(root->Eval(), 1.0 + 2.0 * std::sin(1.0));
+    EXPECT_EQ(counting.calls, 2048);
+    // The compiled value program of the root asks as often.
+    long long runs = f.GetNbOfValueProgramRuns();
+    for (int i = 1; i <= 2; ++i) {
+        EXPECT_DOUBLE_EQ(RealValue(root), 1.0 + 2.0 * std::sin(1.0));
+        EXPECT_EQ(counting.calls, 2048 + 1024 * i);
+    }
+    EXPECT_EQ(f.GetNbOfValueProgramRuns(), runs + 2);
 }
 
 TEST(ZorWBEvaluation, BufferingComesBackThroughDiamonds) {
@@ -410,22 +444,55 @@ TEST(ZorWBEvaluation, PreviousValueKeptBelowTheAllLevel) {
     }
 }
 
-TEST(ZorWBEvaluation, DomainErrorsStayVisibleAfterTheEvaluation) {
+// Every node that an evaluation computes starts by clearing a lone domain
+// error, as a recursive evaluation asking each child in turn would: an
+// error stays only when nothing is computed after it.
+TEST(ZorWBEvaluation, EachComputedNodeStartsByClearingALoneDomainError) {
     ZorWBFactory f(ZorWBLevel::All);
+    const ZorWBEnvironment& environment = f.GetEnvironment();
     ZorWBVariable* x = f.CreateVariable();
-    SetReal(x, -1.0);
-    ZorWBExpression* root = f.CreateSum(f.CreateSqrt(x), f.CreateCos(x));
-    root->GetValue();
-    EXPECT_EQ(f.GetEnvironment().GetError() & ZorWBError::Domain, ZorWBError::Domain);
-    // The transient code is cleared when the next evaluation starts.
-    SetReal(x, 4.0);
-    EXPECT_DOUBLE_EQ(RealValue(root), 2.0 + std::cos(4.0));
-    EXPECT_EQ(f.GetEnvironment().GetError(), 0u);
-    // Other codes persist.
-    f.GetEnvironment().SetError(ZorWBError::IncompatibleKinds);
+    SetReal(x, 2.0);
+    // x is computed after the failing square root and clears its error.
+    ZorWBExpression* failing = f.CreateSqrt(f.GetMinusOne());
+    ZorWBExpression* sum = f.CreateSum(failing, x);
+    sum->GetValue();
+    EXPECT_EQ(environment.GetError(), 0u);
+    // Once x is buffered, nothing is computed after the square root.
+    f.ResetBuffer(failing);
+    sum->GetValue();
+    EXPECT_EQ(environment.GetError(), ZorWBError::Domain);
+    // With the failing operand last, its error stays.
+    ZorWBVariable* y = f.CreateVariable();
+    SetReal(y, 3.0);
+    f.CreateSum(y, f.CreateSqrt(f.CreateIntegerConstant(-4)))->GetValue();
+    EXPECT_EQ(environment.GetError(), ZorWBError::Domain);
+
+    // A fold step that fails (min(NaN, 1)) is cleared when the next operand
+    // computed starts, and stays when that operand answers from its buffer.
+    ZorWBVariable* z = f.CreateVariable();
+    SetReal(z, 5.0);
+    ZorWBExpression* operands[] = {f.CreateRealConstant(std::nan("")), f.CreateRealConstant(1.0),
+                                   z};
+    ZorWBExpression* minimum = f.CreateMin(3, operands);
+    minimum->GetValue();
+    EXPECT_EQ(environment.GetError(), 0u);
+    f.ResetBuffer(minimum);
+    minimum->GetValue();
+    EXPECT_EQ(environment.GetError(), ZorWBError::Domain);
+
+    // Beside another code, a domain error is not lone: both persist.
+    environment.SetError(ZorWBError::IncompatibleKinds);
+    f.ResetBuffer(failing);
+    sum->GetValue();
+    EXPECT_EQ(environment.GetError(), ZorWBError::IncompatibleKinds | ZorWBError::Domain);
     SetReal(x, 9.0);
-    root->GetValue();
-    EXPECT_EQ(f.GetEnvironment().GetError(), ZorWBError::IncompatibleKinds);
+    sum->GetValue();
+    EXPECT_EQ(environment.GetError(), ZorWBError::IncompatibleKinds | ZorWBError::Domain);
+    environment.ClearError();
+    SetReal(x, 4.0);
+    ZorWBExpression* fine = f.CreateSum(f.CreateSqrt(x), f.CreateCos(x));
+    EXPECT_DOUBLE_EQ(RealValue(fine), 2.0 + std::cos(4.0));
+    EXPECT_EQ(environment.GetError(), 0u);
 }
 
 TEST(ZorWBEvaluation, UpdateExprValueStoresTheValues) {

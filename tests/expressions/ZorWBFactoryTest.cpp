@@ -444,3 +444,97 @@ TEST(ZorWBFactory, RemoveUniqueChildrenKeepsSharedOnes) {
     EXPECT_EQ(node->GetChild(0), shared);
     EXPECT_EQ(x->GetNbOfParents(), 1);
 }
+
+// An equation root has no parent, yet it is in use: removing what lies
+// above it, or closing temporary storage, leaves it alone.
+TEST(ZorWBFactory, RemovalKeepsEveryEquationRoot) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    SetReal(x, 0.5);
+    ZorWBExpression* inner = f.CreateSin(x);
+    ZorWBEquation* equation = f.AddEquation(inner, ZorWBEqualZero);
+    ZorWBExpression* outer = f.CreateCos(inner);
+    EXPECT_TRUE(f.RemoveExpression(outer));
+    ASSERT_EQ(equation->GetRoot(), inner);
+    EXPECT_EQ(inner->GetNbOfParents(), 0);
+    EXPECT_DOUBLE_EQ(RealValue(equation->GetRoot()), std::sin(0.5));
+
+    // A root deep below a node whose unique children go.
+    ZorWBExpression* deep = f.CreateExp(x);
+    ZorWBEquation* deepEquation = f.AddEquation(deep, ZorWBLessZero);
+    ZorWBExpression* node = f.CreateSum(f.CreateAbs(f.CreateAbs(deep)), f.CreateRealConstant(1.5));
+    node->RemoveUniqueChildren();
+    EXPECT_EQ(node->GetNbOfChildren(), 0);
+    ASSERT_EQ(deepEquation->GetRoot(), deep);
+    EXPECT_DOUBLE_EQ(RealValue(deep), std::exp(0.5));
+
+    // Closing temporary storage reads every root.
+    f.UseTemporaryStorage(true);
+    f.CreateSin(f.CreateSin(x));
+    f.UseTemporaryStorage(false);
+    EXPECT_EQ(equation->GetRoot(), inner);
+    EXPECT_EQ(deepEquation->GetRoot(), deep);
+
+    // The root itself is refused while an equation holds it, and goes after.
+    ZorWBExpression* root = inner;
+    EXPECT_FALSE(f.RemoveExpression(root));
+    EXPECT_EQ(root, inner);
+    EXPECT_TRUE(f.RemoveEquation(equation));
+    EXPECT_TRUE(f.RemoveExpression(root));
+    EXPECT_EQ(root, nullptr);
+}
+
+// Removing a variable renumbers the ones after it, so that every index is
+// still the variable's position: walks, present variables and equality stay
+// right, and theoretical lists and default names follow the new indices.
+TEST(ZorWBFactory, RemovingAVariableKeepsIndicesAtTheirPositions) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* v[4];
+    for (ZorWBVariable*& variable : v)
+        variable = f.CreateVariable();
+    EXPECT_EQ(v[2]->GetName(), "va2");  // a default name asked before the removal
+    v[3]->SetName("w");
+    ZorWBExpression* sum = f.CreateSum(v[1], v[2]);
+    ZorWBEquation* equation = f.AddEquation(f.CreateSum(sum, v[3]), ZorWBEqualZero);
+    ZorQelIntArray listed;
+    for (int index : {0, 1, 2, 3})
+        listed.Add(index);
+    equation->SetTheoreticalVarList(&listed);
+
+    ZorWBExpression* removed = v[0];
+    ASSERT_TRUE(f.RemoveExpression(removed));
+    ASSERT_EQ(f.GetNbOfVariables(), 3);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(f.GetVariable(i), v[i + 1]);
+        EXPECT_EQ(v[i + 1]->GetIdx(), i);
+    }
+    EXPECT_EQ(v[2]->GetName(), "va1");
+    EXPECT_EQ(v[3]->GetName(), "w");
+    EXPECT_EQ(f.GetVariable("va1"), v[2]);
+
+    ZorQelListPZorWBVariable present;
+    ASSERT_EQ(sum->FindPresentVariables(present), 2);
+    EXPECT_EQ(present[0], v[1]);
+    EXPECT_EQ(present[1], v[2]);
+    ASSERT_TRUE(equation->FindPresentVariables(present));
+    EXPECT_EQ(present.GetSize(), 3);
+    int walked = 0;
+    for (ZorWBVariable* variable = f.GetNextVariable(nullptr); variable;
+         variable = f.GetNextVariable(variable))
+        ++walked;
+    EXPECT_EQ(walked, 3);
+
+    // Index 0 went with its variable; 1, 2, 3 became 0, 1, 2.
+    ZorQelIntArray theoretical;
+    equation->GetTheoreticalVarList(&theoretical);
+    ASSERT_EQ(theoretical.GetSize(), 3);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(theoretical[i], i);
+    EXPECT_TRUE(equation->AreVarConsistent());
+
+    ZorWBVariable* fresh = f.CreateVariable();
+    EXPECT_EQ(fresh->GetIdx(), 3);
+    EXPECT_EQ(fresh->GetName(), "va3");
+    for (int i = 0; i < 3; ++i)
+        EXPECT_FALSE(fresh->IsEqualTo(f.GetVariable(i)));
+}

@@ -55,11 +55,14 @@ void ExpectProgramMatchesWalk(ZorWBFactory& f, CountingBlackBox& blackBox,
 
 }  // namespace
 
+// At the current levels a black-box call and the nodes above it are
+// unbuffered, and a root that reaches one of them twice is walked; below
+// ZorWBLevel::ResetBufferUpward the calls are buffered and compiled.
 TEST(ZorWBRealProgram, RandomGraphsOfEveryKindGiveTheWalksDoublesAndCalls) {
     CountingBlackBox blackBox;
     long long programRuns = 0;
     for (unsigned int seed = 1; seed <= 60; ++seed) {
-        ZorWBFactory f;
+        ZorWBFactory f(seed % 2 ? ZorWBLevel::All : Below(ZorWBLevel::ResetBufferUpward));
         AnyKindGraph graph(f, blackBox, seed);
         for (int i = 0; i < 70; ++i)
             graph.AddNode();
@@ -111,9 +114,12 @@ TEST(ZorWBRealProgram, StructuralChangesDropThePrograms) {
     }
 }
 
+// The black-box calls count the computations of a node: at a level where
+// they are buffered, a shared one is computed once per evaluation, like any
+// buffered node.
 TEST(ZorWBRealProgram, OnlyTheChosenBranchRunsAndSharedNodesRunOnce) {
     CountingBlackBox blackBox;  // outlives the factory's nodes that call it
-    ZorWBFactory f;
+    ZorWBFactory f(Below(ZorWBLevel::ResetBufferUpward));
     ZorWBVariable* x = f.CreateVariable();
     ZorWBVariable* c = f.CreateVariable();
     ZorWBVariable* d = f.CreateVariable();
