@@ -7,6 +7,7 @@
 #include <cmath>
 #include <string>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "FuzzBytes.h"
@@ -34,17 +35,42 @@ const ZorWBExpressionType RealTypes[] = {
     ZorWBExpressionType::Asin,    ZorWBExpressionType::Acos,       ZorWBExpressionType::Asinh,
 };
 
-// The value of e evaluated afresh (no cached value hides an error), or NaN
-// when its evaluation reports an error.
-double Evaluate(ZorWBFactory& f, const ZorWBExpression* e) {
-    if (!e) return NAN;
+// Whether computing some node of e's subgraph reports an error. Each node
+// clears a lone domain error before it is computed, so the error word after
+// the root tells only about the nodes computed last: with the buffers reset,
+// the nodes are asked for their values children first, each request then
+// computes one node, and the word is read after each.
+bool SomeNodeFails(ZorWBFactory& f, const ZorWBExpression* e) {
     f.ResetBuffer(nullptr);
     const ZorWBEnvironment& environment = e->GetEnvironment();
+    std::vector<std::pair<const ZorWBExpression*, int>> stack{{e, 0}};
+    std::unordered_set<const ZorWBExpression*> done;
+    bool failed = false;
+    while (!stack.empty()) {
+        auto& [node, next] = stack.back();
+        if (next < node->GetNbOfChildren()) {
+            const ZorWBExpression* child = node->GetChild(next++);
+            if (child && !done.count(child)) stack.push_back({child, 0});
+            continue;
+        }
+        if (done.insert(node).second) {
+            environment.ClearError();
+            node->GetValue();
+            failed = failed || environment.GetError() != ZorWBError::None;
+        }
+        stack.pop_back();
+    }
     environment.ClearError();
+    return failed;
+}
+
+// The value of e evaluated afresh (no cached value hides an error), or NaN
+// when computing some node of it reports an error.
+double Evaluate(ZorWBFactory& f, const ZorWBExpression* e) {
+    if (!e || SomeNodeFails(f, e)) return NAN;
     const ZorWBValue& value = e->GetValue();
     double real = value.GetAsReal();
-    bool failed = environment.GetError() != ZorWBError::None || !value.IsExact(environment);
-    environment.ClearError();
+    bool failed = !value.IsExact(e->GetEnvironment());
     return failed || !std::isfinite(real) || std::fabs(real) > 1e12 ? NAN : real;
 }
 

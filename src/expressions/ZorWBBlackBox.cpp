@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "expressions/ZorWBBlackBoxOperator.h"
+#include "expressions/ZorWBRealFunctions.h"
 
 namespace {
 const ZorWBValue UndefinedArgument;
@@ -18,9 +19,7 @@ const ZorWBValue& ZorWBBlackBox::GetArgumentValue(int i) const {
 
 double ZorWBBlackBox::GetArgument(int i) const {
     if (i < 0 || i >= GetNbOfArguments()) return std::numeric_limits<double>::quiet_NaN();
-    const ZorWBValue& value = GetArgumentValue(i);
-    if (value.GetType() == ZorWBUndefinedType) return std::numeric_limits<double>::quiet_NaN();
-    return value.GetAsReal();
+    return ZorWBRealReading(GetArgumentValue(i));
 }
 
 double ZorWBBBx::Eval() {

@@ -6,15 +6,12 @@
 #include <vector>
 
 #include "expressions/ZorWBBlackBoxOperator.h"
+#include "expressions/ZorWBRealFunctions.h"
 #include "expressions/ZorWBVariable.h"
 
 namespace {
 
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
-
-double RealOf(const ZorWBValue& value) {
-    return value.GetType() == ZorWBUndefinedType ? NaN : value.GetAsReal();
-}
 
 // Moves a variable (none: nothing) through its value assignment, which
 // invalidates the buffers above it, and gives it its whole former value
@@ -97,7 +94,7 @@ double ZorWBDerivBlackBox::ByArgument(ZorWBBlackBoxOperator& call) {
     for (int j = 0; j < n; ++j)
         arguments.push_back(call.GetArgumentValue(j));
     ZorWBValue& moved = arguments[static_cast<std::size_t>(_argument)];
-    double a = RealOf(moved);
+    double a = ZorWBRealReading(moved);
     if (std::isnan(a)) return NaN;
     ZorWBExpression* argument = call.GetChild(_argument);
     VariableShift shift(argument->GetType() == ZorWBExpressionType::Variable

@@ -32,6 +32,7 @@
 #include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBOperator.h"
 #include "expressions/ZorWBProgramCache.h"
+#include "expressions/ZorWBRealFunctions.h"
 #include "expressions/ZorWBRealProgram.h"
 #include "expressions/ZorWBValueProgram.h"
 
@@ -245,6 +246,25 @@ void ZorWBExpression::UpdateExprValue(bool recursive) try {
 } catch (const std::exception&) {
 }
 
+double ZorWBRealReading(const ZorWBValue& value) {
+    switch (value.GetType()) {
+        case ZorWBUndefinedType:
+            return NaN;
+        case ZorWBBooleanType: {
+            ZorWBValue boolean = value;  // a scalar: copied without the heap
+            ZorWBBoolean state = boolean.GetAsBoolean();
+            return state == ZorWBTrue ? 1.0 : state == ZorWBFalse ? 0.0 : NaN;
+        }
+        case ZorWBIntegerIntervalType:
+        case ZorWBRealIntervalType:
+        case ZorWBIntegerEnumType:
+        case ZorWBRealEnumType:
+            return value.GetMiddle();
+        default:  // integer, real, fraction
+            return value.GetAsReal();
+    }
+}
+
 double ZorWBExpression::RealReading(const ZorWBValue& value) {
-    return value.GetType() == ZorWBUndefinedType ? NaN : value.GetAsReal();
+    return ZorWBRealReading(value);
 }

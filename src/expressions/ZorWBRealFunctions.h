@@ -21,4 +21,12 @@ ZorWBUnaryRealFunction ZorWBUnaryRealFunctionOf(ZorWBExpressionType type);
 ZorWBBinaryRealFunction ZorWBBinaryRealFunctionOf(ZorWBExpressionType type);
 ZorWBLogicalRealFunction ZorWBLogicalRealFunctionOf(ZorWBExpressionType type);
 
+class ZorWBValue;
+// The double that stands for a leaf's value in the plain evaluation: the
+// number itself, 1 or 0 for a boolean that is true or false, the midpoint of
+// an interval or enumeration, NaN for what stands for no number (undefined,
+// unknown or empty). Every real reading of a value (Eval, black-box
+// arguments, compiled real programs) goes through it.
+double ZorWBRealReading(const ZorWBValue& value);
+
 #endif

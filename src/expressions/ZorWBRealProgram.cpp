@@ -21,8 +21,7 @@ constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 // A leaf's real, as ZorWBConstant::DoEval() reads it.
 inline double LeafReal(const ZorWBConstant* leaf) {
-    const ZorWBValue& value = leaf->ZorWBConstant::GetExprValue();
-    return value.GetType() == ZorWBUndefinedType ? NaN : value.GetAsReal();
+    return ZorWBRealReading(leaf->ZorWBConstant::GetExprValue());
 }
 
 // Sine and cosine of one argument in one call where the C library offers it:

@@ -597,6 +597,28 @@ TEST(ZorWBEvaluation, EvalAndGetValueGiveTheSameModulo) {
     EXPECT_EQ(mod->Eval(), 0.0);
 }
 
+// Eval() reads a value that is not a number as the number standing for it,
+// the same in the node walk, the compiled program and a black box's argument.
+TEST(ZorWBEvaluation, EvalReadsSetsAtTheirMidpointAndBooleansAsZeroOrOne) {
+    ZorWBFactory f(ZorWBLevel::All);
+    ZorWBVariable* x = f.CreateVariable();
+    ZorWBExpression* sum = f.CreateSum(x, f.CreateIntegerConstant(1));
+    const std::vector<std::pair<ZorWBValue, double>> readings = {
+        {ZorWBValue(ZorWBRealInterval{0.5, 1.5}), 1.0},
+        {ZorWBValue(ZorWBIntegerInterval{2, 4}), 3.0},
+        {ZorWBValue(ZorWBTrue), 1.0},
+        {ZorWBValue(ZorWBFalse), 0.0},
+        {ZorWBValue(7), 7.0},
+    };
+    for (const auto& [value, reading] : readings) {
+        x->SetExprValue(value);
+        EXPECT_EQ(x->Eval(), reading) << value.Str().GetString();
+        EXPECT_EQ(sum->Eval(), reading + 1.0) << value.Str().GetString();
+    }
+    x->SetExprValue(ZorWBValue(ZorWBUnknown));
+    EXPECT_TRUE(std::isnan(sum->Eval()));
+}
+
 // Property: substituting a constant for a variable and evaluating equals
 // evaluating with the variable set to that constant.
 TEST(ZorWBEvaluation, RandomPartialEvaluationMatchesAssignment) {

@@ -120,7 +120,6 @@ class Session {
         return std::to_string(i + 1) + ": " + _editor.GetStatement(i).GetString();
     }
 
-
     // An edit's outcome: the result line, or the editor's diagnostics.
     int Report(int status, const std::string& result) {
         if (status == 0) {
@@ -197,13 +196,12 @@ class Session {
     }
 
     int Eval() {
-        const ZorWBEnvironment& environment = _factory.GetEnvironment();
-        environment.ClearError();
+        _factory.GetEnvironment().ClearError();
         unsigned int error = 0;
         for (int i = 0; i < _editor.GetNbOfEquations(); ++i) {
             const ZorWBEquation& equation = *_editor.GetEquation(i);
             WbxEquationResult result = WbxEvaluate(equation);
-            error |= environment.GetError();
+            error |= result.errorWord;
             _context.out << WbxResultLine(std::to_string(i + 1), equation.GetType(), result)
                          << "\n";
         }

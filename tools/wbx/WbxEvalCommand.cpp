@@ -5,7 +5,7 @@
 // possible) or empty (the value is empty). An equation without relation
 // prints its value alone ("eq2: 3.5"), a minimised or maximised one its
 // value and "(minimize)" or "(maximize)". When the error word (the bitwise OR
-// of the environment's error word after each equation) is not 0 a last line
+// of the errors that computing each node reported) is not 0 a last line
 // "error word: N" follows.
 //
 // Values are in the base units (millimetres, radians). A variable that no
@@ -94,10 +94,7 @@ int WbxEvalCommand(WbxContext& context) {
     ZorWBFactory& factory = file.GetFactory();
     if (WbxAssignVariables(context, factory, options.settings) != WbxExit::Success)
         return WbxExit::Usage;
-    const ZorWBEnvironment& environment = factory.GetEnvironment();
-    environment.ClearError();
-    // Each evaluation clears a lone domain error first, so the word is
-    // gathered after each equation.
+    factory.GetEnvironment().ClearError();
     unsigned int error = 0;
     int status = WbxExit::Success;
     if (options.json) context.out << "[";
@@ -106,7 +103,7 @@ int WbxEvalCommand(WbxContext& context) {
         ZorWBEquationType type = equation->GetType();
         WbxEquationResult result = WbxEvaluate(*equation);
         std::string name = equation->GetName().GetString();
-        error |= environment.GetError();
+        error |= result.errorWord;
         if (result.relation && (result.holds == ZorWBFalse || result.holds == ZorWBEmpty))
             status = WbxExit::Failure;
         if (options.json) {

@@ -1,5 +1,8 @@
 #include "WbxEvaluation.h"
 
+#include <unordered_set>
+#include <utility>
+
 #include "WbxValueText.h"
 #include "output/ZorWBEquationPrinter.h"
 #include "values/ZorWBValueFunctions.h"
@@ -108,10 +111,45 @@ const char* WbxRelationName(ZorWBEquationType type) {
     }
 }
 
+namespace {
+
+// Asks the nodes below root for their values children first, so that each
+// request computes one node, and gathers the error word after each: a node
+// clears a lone domain error before it is computed, so the word after the
+// root alone would tell only of the nodes computed last. The branches of an
+// IfThenElse are left to it, so that the branch it does not take is not
+// computed.
+unsigned int EvaluateChildrenFirst(const ZorWBExpression* root) {
+    const ZorWBEnvironment& environment = root->GetEnvironment();
+    std::vector<std::pair<const ZorWBExpression*, int>> stack{{root, 0}};
+    std::unordered_set<const ZorWBExpression*> done;
+    unsigned int error = 0;
+    while (!stack.empty()) {
+        auto& [node, next] = stack.back();
+        int children =
+            node->GetType() == ZorWBExpressionType::IfThenElse ? 1 : node->GetNbOfChildren();
+        if (next < children) {
+            const ZorWBExpression* child = node->GetChild(next++);
+            if (child && !done.count(child)) stack.push_back({child, 0});
+            continue;
+        }
+        if (done.insert(node).second) {
+            environment.ClearError();
+            node->GetValue();
+            error |= environment.GetError();
+        }
+        stack.pop_back();
+    }
+    return error;
+}
+
+}  // namespace
+
 WbxEquationResult WbxEvaluate(const ZorWBEquation& equation) {
     WbxEquationResult result;
     ZorWBEquationType type = equation.GetType();
     const ZorWBExpression* root = equation.GetRoot();
+    result.errorWord = root ? EvaluateChildrenFirst(root) : 0;
     result.value = root ? root->GetValue() : ZorWBValue();
     result.relation = HasRelation(type);
     result.holds = result.relation

@@ -40,11 +40,12 @@ struct WbxEquationResult {
     bool relation;       // whether the type is a relation (=, <=, ...)
     ZorWBBoolean holds;  // four-state, for a relation: value REL 0
     std::string valueText;
-    std::string holdsText;  // "true", "false", "unknown" or "empty"
+    std::string holdsText;   // "true", "false", "unknown" or "empty"
+    unsigned int errorWord;  // what computing the root's nodes reported
 };
 
 // Evaluates the root of an equation (GetValue) and whether its relation
-// holds.
+// holds. The error word gathers the error reported by each node computed.
 WbxEquationResult WbxEvaluate(const ZorWBEquation& equation);
 
 // The table line "LABEL: VALUE REL 0 -> VERDICT", "LABEL: VALUE" without

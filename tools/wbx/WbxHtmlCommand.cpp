@@ -94,13 +94,12 @@ std::string Text(const ZorWBValue& value) {
 }
 
 void AddResults(ZorWBFactory& factory, ZorWBHtmlReport& report) {
-    const ZorWBEnvironment& environment = factory.GetEnvironment();
-    environment.ClearError();
+    factory.GetEnvironment().ClearError();
     unsigned int error = 0;
     for (int i = 0; i < factory.GetNbOfEquations(); ++i) {
         ZorWBEquation* equation = factory.GetEquation(i);
         WbxEquationResult result = WbxEvaluate(*equation);
-        error |= environment.GetError();
+        error |= result.errorWord;
         report.AddResult(equation->GetName(), result.valueText.c_str(),
                          WbxRelationName(equation->GetType()),
                          result.relation ? result.holdsText.c_str() : "");
