@@ -11,6 +11,8 @@ command -v flex >/dev/null || needed+=(flex)
 command -v bison >/dev/null || needed+=(bison)
 [ -f /usr/include/gtest/gtest.h ] || needed+=(libgtest-dev)
 [ -f /usr/include/nlohmann/json.hpp ] || needed+=(nlohmann-json3-dev)
+# GMP's integers and rationals for the exact polynomials.
+[ -f /usr/include/gmpxx.h ] || needed+=(libgmp-dev)
 # clang with its sanitizer and libFuzzer runtimes, for the sanitizer build.
 command -v clang++ >/dev/null || needed+=(clang)
 compgen -G '/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a' >/dev/null ||
