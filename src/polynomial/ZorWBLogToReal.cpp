@@ -152,6 +152,31 @@ ZorWBIntegralTerm Term(ZorWBIntegralTerm::Kind kind, const mpz_class& radicand,
     return term;
 }
 
+// The sign of u + v sqrt r.
+int Sign(const mpq_class& u, const mpq_class& v, const mpz_class& r) {
+    int su = sgn(u), sv = sgn(v);
+    if (sv == 0 || su == sv) return su != 0 ? su : sv;
+    if (su == 0) return sv;
+    return cmp(u * u, r * v * v) > 0 ? su : sv;
+}
+
+// c atan(P) with P's leading coefficient positive (atan is odd); nothing
+// for a constant P, whose arctangent is a constant of integration.
+void AddArctangent(const mpz_class& r, const mpq_class& c, const mpq_class& cRoot, QPoly u, QPoly v,
+                   std::vector<ZorWBIntegralTerm>& terms) {
+    std::size_t top = std::max(u.size(), v.size());
+    if (top <= 1) return;
+    mpq_class leadU = u.size() == top ? u.back() : mpq_class(0);
+    mpq_class leadV = v.size() == top ? v.back() : mpq_class(0);
+    bool flip = Sign(leadU, leadV, r) < 0;
+    for (QPoly* part : {&u, &v}) {
+        for (mpq_class& coefficient : *part)
+            coefficient = flip ? -coefficient : coefficient;
+    }
+    terms.push_back(
+        Term(ZorWBIntegralTerm::Arctangent, r, flip ? -c : c, flip ? -cRoot : cRoot, u, v));
+}
+
 void RationalRootTerms(const ZPoly& factor, const std::vector<QPoly>& argument,
                        std::vector<ZorWBIntegralTerm>& terms) {
     RationalField field;
@@ -207,9 +232,9 @@ void QuadraticRootTerms(const ZPoly& factor, const std::vector<QPoly>& argument,
         QPoly u, v;
         FromField(p, u, v);
         if (rational)
-            terms.push_back(Term(ZorWBIntegralTerm::Arctangent, 1, 2 * sigma, 0, u, QPoly()));
+            AddArctangent(1, 2 * sigma, 0, u, QPoly(), terms);
         else
-            terms.push_back(Term(ZorWBIntegralTerm::Arctangent, r, 0, 2 * sigma, u, v));
+            AddArctangent(r, 0, 2 * sigma, u, v, terms);
     }
 }
 
