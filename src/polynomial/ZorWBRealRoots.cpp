@@ -16,10 +16,11 @@
 // enough next to the separation of the roots (Vincent's theorem).
 //
 // Invariant of the results: each open interval holds exactly one root of
-// its factor and its ends are not roots of the factor; the sign of the
-// factor at the low end is kept, so that bisection needs one sign
-// evaluation per step. Intervals of different factors are bisected until
-// their closures are disjoint (their roots differ, so this ends).
+// its factor; once the exact roots are divided out of the factor, its ends
+// are not roots of what remains, whose sign at the low end is kept, so that
+// bisection needs one sign evaluation per step. Intervals are bisected
+// until their closures are pairwise disjoint (their roots differ, so this
+// ends); then no end of an interval is a root of p.
 //
 // Cost: O(n^2) additions of integers per node (Taylor shift by 1); the
 // number of nodes grows with n times the bits needed to separate the
@@ -155,16 +156,32 @@ long long BoundExponent(const ZPoly& f) {
     return std::max(1LL, top - Bits(f.back()) + 2);
 }
 
-// The roots of a square-free factor f with f(0) != 0.
-void IsolateFactor(const ZPoly& f, int index, std::vector<Isolated>& out) {
+// The roots of a square-free factor. Returns the polynomial whose signs
+// bisect its open intervals: the factor with its exact roots (0 and the
+// midpoints met) divided out, so that no end of those intervals is one of
+// its roots.
+ZPoly IsolateFactor(const ZPoly& factor, int index, std::vector<Isolated>& out) {
     std::size_t first = out.size();
-    long long e = BoundExponent(f);
-    IsolateSide(f, 1, e, index, out);
-    IsolateSide(f, -1, e, index, out);
+    ZPoly f(factor);
+    if (sgn(f[0]) == 0) {
+        out.push_back({mpq_class(0), mpq_class(0), index, 0});
+        f.erase(f.begin());
+    }
+    if (Degree(f) >= 1) {
+        long long e = BoundExponent(f);
+        IsolateSide(f, 1, e, index, out);
+        IsolateSide(f, -1, e, index, out);
+    }
+    ZPoly rest(factor);
+    for (std::size_t i = first; i < out.size(); ++i) {
+        if (out[i].IsExact())
+            rest = ExactQuotient(rest, ZPoly{-out[i].low.get_num(), out[i].low.get_den()});
+    }
     for (std::size_t i = first; i < out.size(); ++i) {
         if (!out[i].IsExact())
-            out[i].lowSign = SignAt(f, out[i].low.get_num(), out[i].low.get_den());
+            out[i].lowSign = SignAt(rest, out[i].low.get_num(), out[i].low.get_den());
     }
+    return rest;
 }
 
 // Halves an open interval, keeping the half that holds the root.
@@ -228,15 +245,10 @@ ZorWBPolynomialStatus ZorWBRealRoots::Isolate(const ZorWBPolynomial& p, const Zo
         ZPoly primitive = PrimitivePart(ToGmp(p));
         if (Degree(primitive) >= 1) factors = SquareFreeFactors(primitive);
         std::vector<Isolated> intervals;
+        // From here on each factor stands without its exact roots.
         for (std::size_t i = 0; i < factors.size(); ++i) {
-            ZPoly& factor = factors[i];
-            // The root 0 is exact; the factor then stands without it, so that
-            // no interval end is a root of the factor that bisects it.
-            if (sgn(factor[0]) == 0) {
-                intervals.push_back({mpq_class(0), mpq_class(0), static_cast<int>(i), 0});
-                factor.erase(factor.begin());
-            }
-            if (Degree(factor) >= 1) IsolateFactor(factor, static_cast<int>(i), intervals);
+            if (Degree(factors[i]) >= 1)
+                factors[i] = IsolateFactor(factors[i], static_cast<int>(i), intervals);
         }
         Separate(intervals, factors);
         mpq_class limit = ToGmp(width);
