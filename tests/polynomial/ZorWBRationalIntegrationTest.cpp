@@ -60,10 +60,10 @@ double WorstDerivativeGap(const ZorWBRationalAntiDerivative& F, const Integrand&
 
 }  // namespace
 
-// Every antiderivative found differentiates back to its integrand, over
-// generated rational functions with rational and quadratic poles; those
-// integrands always have rational or quadratic residues, so every one of
-// them closes.
+// Every antiderivative differentiates back to its integrand, over generated
+// rational functions with rational and quadratic poles. Their residues lie
+// in Q or in the quadratic fields of the denominator's factors, so every
+// one of them must close.
 TEST(ZorWBRationalIntegration, EveryAntiDerivativeDifferentiatesBack) {
     PolynomialGenerator generate(51);
     for (int round = 0; round < 200; ++round) {
