@@ -29,8 +29,16 @@ namespace {
 
 using Status = ZorWBPolynomialStatus;
 
+// Two decisions read in order (an argument list would leave the order to
+// the compiler).
+ZorWBRational Fraction(FuzzBytes& in, int numerators, int offset, int denominators) {
+    long long numerator = in.Index(numerators) - offset;
+    long long denominator = in.Index(denominators) + 1;
+    return ZorWBRational(numerator, denominator);
+}
+
 ZorWBRational SmallRational(FuzzBytes& in) {
-    return ZorWBRational(in.Index(41) - 20, in.Index(6) + 1);
+    return Fraction(in, 41, 20, 6);
 }
 
 ZorWBRational AnyRational(FuzzBytes& in) {
@@ -157,8 +165,7 @@ Integrand MakeIntegrand(FuzzBytes& in) {
             f.poles.push_back(root.ToReal());
         } else {
             ZorWBRational p = SmallRational(in);
-            ZorWBRational q =
-                p * p / ZorWBRational(4) + ZorWBRational(in.Index(8) + 1, in.Index(4) + 1);
+            ZorWBRational q = p * p / ZorWBRational(4) + Fraction(in, 8, -1, 4);
             f.denominator *= ZorWBPolynomial({q, p, ZorWBRational(1)}).Power(power);
         }
     }

@@ -153,12 +153,16 @@ class ModularResultant {
         return p;
     }
 
-    // The resultant of formal degrees m and n at one point.
+    // The resultant of formal degrees m and n at one point. With a formal
+    // degree 0 it is the power of that constant whatever the other operand:
+    // Res_{m,0}(F, g) = g^m and Res_{0,n}(f, G) = f^n.
     Word AtPoint(const PrimePolynomials& polys, const Powers& powers,
                  const std::vector<int>& point) const {
         const PrimeField& field = polys.GetField();
         PPoly f = Specialize(field, powers, _f, _m, point);
         PPoly g = Specialize(field, powers, _g, _n, point);
+        if (_n == 0) return g.empty() ? 0 : polys.Power(g[0], _m);
+        if (_m == 0) return f.empty() ? 0 : polys.Power(f[0], _n);
         int m = PrimePolynomials::Degree(f), n = PrimePolynomials::Degree(g);
         if (m < 0 || n < 0 || (m < _m && n < _n)) return 0;
         Word result = polys.Resultant(f, g);

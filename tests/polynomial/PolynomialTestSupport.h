@@ -20,9 +20,12 @@ class PolynomialGenerator {
     }
     bool Chance(int percent) { return Integer(0, 99) < percent; }
 
-    // p / q with |p| <= bound and 1 <= q <= denominator.
+    // p / q with |p| <= bound and 1 <= q <= denominator (drawn in that
+    // order, the same with every compiler).
     ZorWBRational Rational(long long bound, long long denominator = 1) {
-        return ZorWBRational(Integer(-bound, bound), Integer(1, denominator));
+        long long p = Integer(-bound, bound);
+        long long q = Integer(1, denominator);
+        return ZorWBRational(p, q);
     }
 
     // Degree exactly `degree`, coefficients as Rational(bound, denominator),
@@ -52,6 +55,14 @@ class PolynomialGenerator {
   private:
     std::mt19937 _random;
 };
+
+// Failure messages show rationals and polynomials as text.
+inline void PrintTo(const ZorWBRational& value, std::ostream* out) {
+    *out << value.ToText();
+}
+inline void PrintTo(const ZorWBPolynomial& value, std::ostream* out) {
+    *out << value.ToText();
+}
 
 inline ZorWBPolynomial Integers(std::initializer_list<long long> coefficients) {
     return ZorWBPolynomial::FromIntegers(coefficients);

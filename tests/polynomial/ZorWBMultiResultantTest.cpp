@@ -88,7 +88,8 @@ TEST(ZorWBMultiResultant, ResultantCommutesWithSpecialization) {
                 continue;
             ZorWBRational expected;
             ZorWBPolynomialGcd::Resultant(a, b, expected);
-            EXPECT_EQ(resultant.Evaluate(point), expected);
+            EXPECT_EQ(resultant.Evaluate(point), expected)
+                << f.ToText() << " ; " << g.ToText() << " by x" << variable;
         }
     }
 }
@@ -103,6 +104,14 @@ TEST(ZorWBMultiResultant, EliminationAndFailures) {
     ASSERT_EQ(ZorWBMultiResultant::Resultant(x - y, x * x - two, 0, resultant),
               ZorWBPolynomialStatus::Success);
     EXPECT_EQ(resultant, y * y - two);
+    // A constant operand: its power, even where the other one vanishes
+    // (y x^3 at y = 0 once made the whole resultant 0).
+    ASSERT_EQ(ZorWBMultiResultant::Resultant(y * x * x * x, two, 0, resultant),
+              ZorWBPolynomialStatus::Success);
+    EXPECT_EQ(resultant, two * two * two);
+    ASSERT_EQ(ZorWBMultiResultant::Resultant(two, y * x * x * x, 0, resultant),
+              ZorWBPolynomialStatus::Success);
+    EXPECT_EQ(resultant, two * two * two);
     ZorWBMultiPolynomial untouched = two;
     EXPECT_EQ(ZorWBMultiResultant::Resultant(x, y, 2, untouched),
               ZorWBPolynomialStatus::BadVariable);
