@@ -11,7 +11,8 @@
 //   quadratics, which always has rational or quadratic residues: it must
 //   close (or stop at the size limits); Hermite's identity holds exactly at
 //   rational points, and the antiderivative's central differences match the
-//   integrand away from the poles, also through CreateAntiDerivative.
+//   integrand away from the poles, also through CreateAntiDerivative (which
+//   must close too when the integrand's coefficients are written exactly).
 
 #include <cmath>
 #include <string>
@@ -176,6 +177,16 @@ Integrand MakeIntegrand(FuzzBytes& in) {
     return f;
 }
 
+// Whether the expression that ZorWBPolynomialTools writes for p holds it
+// exactly (every numerator and denominator at most 2^53).
+bool Writable(const ZorWBPolynomial& p) {
+    double numerator = 0.0, denominator = 0.0;
+    for (const ZorWBRational& c : p.GetCoefficients()) {
+        if (!c.GetExactRealParts(numerator, denominator)) return false;
+    }
+    return true;
+}
+
 bool NearPole(const Integrand& f, double x) {
     for (double pole : f.poles) {
         if (std::fabs(x - pole) < 0.1) return true;
@@ -231,7 +242,11 @@ void CheckIntegration(FuzzBytes& in) {
         ZorWBPolynomialTools::CreateExpression(&factory, f.denominator, variable));
     bool done = false;
     ZorWBExpression* antiDerivative = factory.CreateAntiDerivative(integrand, variable, done);
-    FUZZ_CHECK(done && antiDerivative, "CreateAntiDerivative did not close " + what);
+    // Coefficients beyond 2^53 are written as the nearest reals, which
+    // change the function: then it need not close.
+    FUZZ_CHECK(done || !Writable(f.numerator) || !Writable(f.denominator),
+               "CreateAntiDerivative did not close " + what);
+    if (!done || !antiDerivative) return;
     CheckDerivativeAt(
         f,
         [&](double t) {

@@ -188,7 +188,7 @@ bool DivideExactly(const ZPoly& a, const ZPoly& b, ZPoly& quotient) {
 
 ZPoly ExactQuotient(const ZPoly& a, const ZPoly& b) {
     ZPoly quotient;
-    DivideExactly(a, b, quotient);
+    if (!DivideExactly(a, b, quotient)) throw Unhandled();
     return quotient;
 }
 

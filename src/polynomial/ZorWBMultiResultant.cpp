@@ -284,15 +284,19 @@ class SparseRing {
         }
         return Normalized(std::move(all));
     }
-    // a / b by leading terms; b divides a.
+    // a / b by leading terms; b divides a (Unhandled otherwise).
     Sparse ExactDiv(const Sparse& a, const Sparse& b) const {
         Sparse quotient, rest(a);
         const Term& lead = b.back();
         while (!rest.empty()) {
             const Term& top = rest.back();
             Term factor{top.exponents, 0};
-            for (std::size_t v = 0; v < factor.exponents.size(); ++v)
+            for (std::size_t v = 0; v < factor.exponents.size(); ++v) {
                 factor.exponents[v] -= lead.exponents[v];
+                if (factor.exponents[v] < 0) throw Unhandled();
+            }
+            if (!mpz_divisible_p(top.coefficient.get_mpz_t(), lead.coefficient.get_mpz_t()))
+                throw Unhandled();
             mpz_divexact(factor.coefficient.get_mpz_t(), top.coefficient.get_mpz_t(),
                          lead.coefficient.get_mpz_t());
             rest = Sub(rest, Mul(Sparse{factor}, b));

@@ -52,6 +52,8 @@ const char* ZorWBPolynomialStatusText(ZorWBPolynomialStatus status) {
             return "no such variable";
         case ZorWBPolynomialStatus::BadInterval:
             return "the interval does not isolate a root";
+        case ZorWBPolynomialStatus::Unhandled:
+            return "an exact step did not come out exact";
     }
     return "unknown status";
 }

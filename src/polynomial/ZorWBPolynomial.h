@@ -27,6 +27,9 @@ enum class ZorWBPolynomialStatus : int {
     // An interval given to refine does not isolate a root (no sign change,
     // or an end that is a root).
     BadInterval = 5,
+    // An exact division that the theory promises did not come out exact:
+    // the algorithm stops rather than answer wrongly (never seen).
+    Unhandled = 6,
 };
 
 // The message of a status, for instance "polynomial too large: degree above

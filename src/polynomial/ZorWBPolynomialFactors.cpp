@@ -105,7 +105,7 @@ ZorWBPolynomialStatus ZorWBPolynomialFactors::SquareFree(
         SquareFreeParts(ToGmp(p), lead, parts);
         std::vector<ZorWBPolynomialFactor> result;
         for (std::size_t i = 0; i < parts.size(); ++i) {
-            if (Degree(PrimitivePart(parts[i])) >= 1)
+            if (RationalPolynomials::Degree(parts[i]) >= 1)
                 result.push_back({FromGmp(parts[i]), static_cast<int>(i) + 1});
         }
         constant = FromGmp(lead);

@@ -92,7 +92,8 @@ std::vector<QPoly> MonicModulo(const Bivariate& s, const ZPoly& q) {
     RationalPolynomials polys(field);
     QPoly modulus = ToRational(q);
     QPoly inverse, unused;
-    polys.ExtendedGcd(polys.Rem(ToRational(s.back()), modulus), modulus, inverse, unused);
+    QPoly g = polys.ExtendedGcd(polys.Rem(ToRational(s.back()), modulus), modulus, inverse, unused);
+    if (RationalPolynomials::Degree(g) != 0) throw Unhandled();
     std::vector<QPoly> argument;
     for (const ZPoly& coefficient : s)
         argument.push_back(polys.Rem(polys.Mul(ToRational(coefficient), inverse), modulus));
@@ -123,7 +124,7 @@ std::vector<LogarithmicSum> LogarithmicPart(const QPoly& a, const QPoly& d) {
             for (std::size_t k = 1; k < chain.size() && s.empty(); ++k) {
                 if (static_cast<int>(chain[k].size()) - 1 == i) s = chain[k];
             }
-            if (s.empty()) continue;
+            if (s.empty()) throw Unhandled();
             DivideLeadingFactors(s, q);
         }
         sums.push_back({q, MonicModulo(s, q)});

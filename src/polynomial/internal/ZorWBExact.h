@@ -63,13 +63,21 @@ inline void CheckBits(long long bits) {
     if (bits > ZorWBPolynomialMaxBits) throw LimitExceeded();
 }
 
-// Runs the work of a public entry point: a size limit passed or memory
-// refused inside it (the only exceptions the algorithms meet) becomes
-// ZorWBPolynomialStatus::TooLarge.
+// Thrown when a division that must be exact is not: a safeguard that turns
+// a broken promise into a failure instead of a wrong answer.
+struct Unhandled : std::exception {
+    const char* what() const noexcept override { return "inexact division"; }
+};
+
+// Runs the work of a public entry point: Unhandled becomes that status; a
+// size limit passed or memory refused inside it (the other exceptions the
+// algorithms meet) becomes ZorWBPolynomialStatus::TooLarge.
 template <class Work>
 ZorWBPolynomialStatus Guarded(Work&& work) noexcept {
     try {
         return work();
+    } catch (const Unhandled&) {
+        return ZorWBPolynomialStatus::Unhandled;
     } catch (const std::exception&) {
         return ZorWBPolynomialStatus::TooLarge;
     }

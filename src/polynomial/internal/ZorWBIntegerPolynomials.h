@@ -35,8 +35,8 @@ ZPoly PrimitivePart(const QPoly& p);
 ZPoly PseudoRemainder(const ZPoly& a, const ZPoly& b);
 // Whether b divides a in Z[x]; the quotient when it does. b not zero.
 bool DivideExactly(const ZPoly& a, const ZPoly& b, ZPoly& quotient);
-// a / b for a b known to divide a (over Q, both integer: then the
-// quotient is an integer polynomial when b is primitive).
+// a / b for a b known to divide a in Z[x] (over Q with b primitive is
+// enough, by Gauss's lemma); throws Unhandled when it does not.
 ZPoly ExactQuotient(const ZPoly& a, const ZPoly& b);
 
 // The primitive greatest common divisor with a positive leading
