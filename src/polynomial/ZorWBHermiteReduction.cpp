@@ -52,12 +52,7 @@ void HermiteReduce(const QPoly& a, const QPoly& d, QPoly& g, QPoly& h, QPoly& r,
         polys.Check(rationalNumerator);
         polys.Check(rationalDenominator);
     }
-    QPoly common =
-        ToRational(Gcd(PrimitivePart(rationalNumerator), PrimitivePart(rationalDenominator)));
-    if (!rationalNumerator.empty()) {
-        rationalNumerator = polys.Quo(rationalNumerator, common);
-        rationalDenominator = polys.Quo(rationalDenominator, common);
-    }
+    Cancel(rationalNumerator, rationalDenominator);
     // A monic denominator.
     mpq_class lead = rationalDenominator.back();
     g = polys.Scale(rationalNumerator, 1 / lead);

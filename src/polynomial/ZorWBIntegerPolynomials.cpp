@@ -22,6 +22,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "polynomial/internal/ZorWBFieldPolynomials.h"
 #include "polynomial/internal/ZorWBPrimeField.h"
 
 namespace ZorWBExact {
@@ -245,6 +246,16 @@ std::vector<ZPoly> SquareFreeFactors(const ZPoly& p) {
     while (!factors.empty() && Degree(factors.back()) == 0)
         factors.pop_back();
     return factors;
+}
+
+void Cancel(QPoly& p, QPoly& q) {
+    if (p.empty()) return;
+    QPoly common = ToRational(Gcd(PrimitivePart(p), PrimitivePart(q)));
+    if (common.size() < 2) return;
+    RationalField field;
+    RationalPolynomials polys(field);
+    p = polys.Quo(p, common);
+    q = polys.Quo(q, common);
 }
 
 int SignAt(const ZPoly& p, const mpz_class& numerator, const mpz_class& denominator) {

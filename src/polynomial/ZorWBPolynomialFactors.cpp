@@ -155,9 +155,7 @@ ZorWBPolynomialStatus ZorWBPolynomialFactors::PartialFractions(
         ZorWBPartialFractionDecomposition decomposition;
         decomposition.polynomialPart = FromGmp(quotient);
         if (!r.empty()) {
-            QPoly common = ToRational(ZorWBExact::Gcd(PrimitivePart(r), PrimitivePart(d)));
-            r = polys.Quo(r, common);
-            d = polys.Quo(d, common);
+            Cancel(r, d);
             mpq_class lead;
             std::vector<QPoly> parts;
             SquareFreeParts(d, lead, parts);

@@ -170,17 +170,6 @@ ZorWBPolynomialStatus ZorWBRationalIntegration::LogarithmicPart(
     });
 }
 
-namespace {
-
-// p / gcd(p, q) and q / gcd(p, q).
-void Cancel(const RationalPolynomials& polys, QPoly& p, QPoly& q) {
-    QPoly common = ToRational(ZorWBExact::Gcd(PrimitivePart(p), PrimitivePart(q)));
-    p = polys.Quo(p, common);
-    q = polys.Quo(q, common);
-}
-
-}  // namespace
-
 ZorWBPolynomialStatus ZorWBRationalIntegration::Integrate(const ZorWBPolynomial& numerator,
                                                           const ZorWBPolynomial& denominator,
                                                           ZorWBRationalAntiDerivative& result) {
@@ -193,7 +182,7 @@ ZorWBPolynomialStatus ZorWBRationalIntegration::Integrate(const ZorWBPolynomial&
         ZorWBRationalAntiDerivative antiDerivative;
         QPoly n = ToGmp(numerator), d = ToGmp(denominator);
         if (!n.empty()) {
-            Cancel(polys, n, d);
+            Cancel(n, d);
             QPoly polynomial, a;
             polys.DivMod(n, d, polynomial, a);
             if (!a.empty()) {
@@ -204,7 +193,7 @@ ZorWBPolynomialStatus ZorWBRationalIntegration::Integrate(const ZorWBPolynomial&
                 polys.DivMod(reduced, s, more, r);
                 polynomial = polys.Add(polynomial, more);
                 if (!r.empty()) {
-                    Cancel(polys, r, s);
+                    Cancel(r, s);
                     for (const LogarithmicSum& sum : ZorWBExact::LogarithmicPart(r, s)) {
                         if (!ToRealTerms(sum, antiDerivative.terms))
                             return ZorWBPolynomialStatus::RootsBeyondQuadratic;

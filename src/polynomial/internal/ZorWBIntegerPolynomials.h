@@ -51,6 +51,10 @@ ZPoly Gcd(const ZPoly& a, const ZPoly& b);
 // the sign.
 std::vector<ZPoly> SquareFreeFactors(const ZPoly& p);
 
+// p / gcd(p, q) and q / gcd(p, q), for q not zero: a fraction in lowest
+// terms (the gcd taken on the primitive parts).
+void Cancel(QPoly& p, QPoly& q);
+
 // The sign of p(numerator / denominator), denominator positive.
 int SignAt(const ZPoly& p, const mpz_class& numerator, const mpz_class& denominator);
 
