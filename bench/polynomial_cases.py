@@ -101,6 +101,8 @@ def polynomials():
     cases.append(("multiple-12", expand([[-1, 1]] * 4 + [[1, 1]] * 3 + [[-2, 0, 1]] * 2 + [[3, 1]])))
     close = 10 ** 12
     cases.append(("close-1e-12", expand([[-close, close], [-close - 1, close], [-2, 0, 1]])))
+    cases.append(("close-quadratics-8", expand([[-2 * 10**10, 0, 10**10], [-2 * 10**10 - 1, 0, 10**10],
+                                                [-3, 0, 1], [-3, 0, 1]])))
     cases.append(("close-pairs-20", expand([[-close * k, close] for k in range(1, 6)] +
                                            [[-close * k - 1, close] for k in range(1, 6)] +
                                            [[1, 0, 1]] * 5)))

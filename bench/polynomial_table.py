@@ -44,9 +44,10 @@ def main():
         if detail == "WRONG":
             agree = "WRONG"
         sympy_ms = f"> {other[1] * 1000:.0f}" if other[0] == "timeout" else f"{other[1] * 1000:.3f}"
+        ratio_text = "-" if math.isnan(ratio) else f"{ratio:.1f}x" if ratio < 10 else f"{ratio:.0f}x"
         print(f"| {kind} {name} | {seconds * 1000:.3f} | {'yes' if closed == '1' else 'no'} | "
               f"{sympy_ms} | {'yes' if other[0] == '1' else other[0].replace('0', 'no')} | "
-              f"{ratio:.0f}x | {agree} |".replace("nanx", "-"))
+              f"{ratio_text} | {agree} |")
         entry = summary.setdefault(kind, {"cases": 0, "ours": 0, "theirs": 0, "logs": []})
         entry["cases"] += 1
         entry["ours"] += closed == "1"
