@@ -44,13 +44,12 @@ ZorWBPolynomial Quotient(const ZorWBPolynomial& a, const ZorWBPolynomial& b) {
     return quotient;
 }
 
+// a + b over the least common denominator when both denominators vary.
 Fraction Add(const Fraction& a, const Fraction& b) {
-    if (a.denominator.GetDegree() == 0 || b.denominator.GetDegree() == 0 ||
-        a.denominator == b.denominator) {
-        if (a.denominator == b.denominator) return {a.numerator + b.numerator, a.denominator};
+    if (a.denominator == b.denominator) return {a.numerator + b.numerator, a.denominator};
+    if (a.denominator.GetDegree() == 0 || b.denominator.GetDegree() == 0)
         return {a.numerator * b.denominator + b.numerator * a.denominator,
                 a.denominator * b.denominator};
-    }
     ZorWBPolynomial common;
     ZorWBPolynomialGcd::Gcd(a.denominator, b.denominator, common);
     ZorWBPolynomial restA = Quotient(a.denominator, common);

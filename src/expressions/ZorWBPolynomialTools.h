@@ -35,7 +35,8 @@ class ZorWBVariable;
 // Writing makes ordinary factory nodes: a rational coefficient p/q as the
 // integer constant p or as Quotient(p, q) of integer constants when both
 // fit in an int, as real constants p and q (exact up to 2^53) otherwise,
-// and as the nearest real beyond that.
+// and as the nearest real beyond that (so only coefficients within 2^53
+// read back as they were).
 class ZORWBX_API ZorWBPolynomialTools {
   public:
     // The most distinct nodes a reading walks.
