@@ -18,6 +18,8 @@ command -v xmllint >/dev/null || needed+=(libxml2-utils)
 [ -f /usr/include/zlib.h ] || needed+=(zlib1g-dev)
 command -v dot >/dev/null || needed+=(graphviz)
 command -v chromium >/dev/null || needed+=(chromium)
+# GMP's integers and rationals for the exact polynomials.
+[ -f /usr/include/gmpxx.h ] || needed+=(libgmp-dev)
 # clang with its sanitizer and libFuzzer runtimes, for the sanitizer build.
 command -v clang++ >/dev/null || needed+=(clang)
 compgen -G '/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a' >/dev/null ||

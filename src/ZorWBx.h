@@ -24,6 +24,14 @@
 #include "values/ZorWBValue.h"
 #include "values/ZorWBValueFunctions.h"
 
+#include "polynomial/ZorWBMultiPolynomial.h"
+#include "polynomial/ZorWBPolynomial.h"
+#include "polynomial/ZorWBPolynomialFactors.h"
+#include "polynomial/ZorWBPolynomialGcd.h"
+#include "polynomial/ZorWBRational.h"
+#include "polynomial/ZorWBRationalIntegration.h"
+#include "polynomial/ZorWBRealRoots.h"
+
 #include "expressions/ZorWBBlackBox.h"
 #include "expressions/ZorWBBlackBoxOperator.h"
 #include "expressions/ZorWBConstant.h"

@@ -67,6 +67,10 @@ class ZorWBCalculusSession {
     // sums, products by free factors, quotients by free divisors and unary
     // minus (the variable itself included).
     bool IsLinear(const ZorWBExpression* node) { return ShapeOf(node) == Shape::Linear; }
+    // The nodes that did not read as rational functions of the variable
+    // (ZorWBPolynomialTools::ToRationalFunction fills it), so that no later
+    // reading of an ancestor walks below them again.
+    std::unordered_set<const ZorWBExpression*>& GetUnreadableNodes() { return _unreadable; }
 
   private:
     enum class Shape { Free, Linear, Other };
@@ -98,6 +102,7 @@ class ZorWBCalculusSession {
     std::unordered_map<const ZorWBExpression*, bool> _constants;
     std::unordered_map<const ZorWBExpression*, AntiDerivative> _antiDerivatives;
     std::unordered_map<const ZorWBExpression*, Shape> _shapes;
+    std::unordered_set<const ZorWBExpression*> _unreadable;
 };
 
 // Opens the calculus session of a factory for a variable, or joins the one

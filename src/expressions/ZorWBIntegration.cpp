@@ -22,9 +22,13 @@
 //   Exp(u)                         Exp(u) / p
 //   Sin(u), Cos(u)                 -1 Cos(u) / p, Sin(u) / p
 //   Sinh(u), Cosh(u)               Cosh(u) / p, Sinh(u) / p
-// The nodes of the integrand (Exp(u), Sqrt(u), ...) are reused. Any other
-// form, or a sum or product one of whose parts has no form, gives the node
-// Integrate(e, x) with done false.
+// The nodes of the integrand (Exp(u), Sqrt(u), ...) are reused. Where the
+// table has no form, a rational function of x with exact coefficients
+// goes to the rational integration algorithm (ZorWBPolynomialTools,
+// ZorWBRationalIntegration); a node that does not read as one is
+// remembered in the session, so the readings of its ancestors stop there
+// at once. Any other form, or a sum or product one of whose parts has no
+// form, gives the node Integrate(e, x) with done false.
 
 #include <exception>
 #include <limits>
@@ -35,6 +39,7 @@
 #include "expressions/ZorWBConstant.h"
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBOperator.h"
+#include "expressions/ZorWBPolynomialTools.h"
 #include "expressions/ZorWBTermBuilder.h"
 #include "expressions/ZorWBVariable.h"
 #include "values/ZorWBValueFunctions.h"
@@ -207,13 +212,28 @@ class OperatorTable {
     ZorWBVariable* _x;
 };
 
-// The table of any operator family.
+// The antiderivative of a rational function with exact coefficients, or
+// null.
+ZorWBExpression* IntegrateRational(ZorWBOperator& node, ZorWBCalculusSession& session) {
+    ZorWBPolynomial numerator, denominator;
+    ZorWBRationalAntiDerivative antiDerivative;
+    if (!ZorWBPolynomialTools::ToRationalFunction(&node, session.GetVariable(), numerator,
+                                                  denominator, session.GetUnreadableNodes()) ||
+        ZorWBRationalIntegration::Integrate(numerator, denominator, antiDerivative) !=
+            ZorWBPolynomialStatus::Success)
+        return nullptr;
+    return ZorWBPolynomialTools::CreateExpression(node.GetFactory(), antiDerivative,
+                                                  session.GetVariable());
+}
+
+// The table of any operator family, then the rational integration.
 ZorWBExpression* IntegrateOperator(ZorWBOperator& node, ZorWBVariable* x, bool& done) try {
     done = false;
     ZorWBFactory& factory = *node.GetFactory();
     if (!x) return factory.CreateIntegrateOperator(&node, x);
     ZorWBCalculusScope scope(factory, x);
     ZorWBExpression* result = OperatorTable(node, scope.Session()).Find();
+    if (!result) result = IntegrateRational(node, scope.Session());
     done = result != nullptr;
     return done ? result : factory.CreateIntegrateOperator(&node, x);
 } catch (const std::exception&) {
@@ -256,11 +276,20 @@ ZorWBExpression* ZorWBExpression::Integrate(ZorWBVariable* variable, bool& done)
 // CreateSub(F(high), F(low)), which evaluates to the number when the
 // integrand depends on the variable alone and keeps the other variables
 // otherwise. Without an antiderivative (done false) the result is the node
-// Integrate(e, x) itself, which has no value.
+// Integrate(e, x) itself, which has no value; so it is for a rational
+// integrand with a pole between bounds that read as exact numbers, whose
+// integral diverges.
 ZorWBExpression* ZorWBExpression::Integrate(ZorWBVariable* variable, ZorWBValue& low,
                                             ZorWBValue& high, bool& done) try {
     ZorWBExpression* antiDerivative = Integrate(variable, done);
     if (!done || !antiDerivative) return antiDerivative;
+    ZorWBRational lowBound, highBound;
+    if (ZorWBPolynomialTools::ToRational(low, lowBound) &&
+        ZorWBPolynomialTools::ToRational(high, highBound) &&
+        ZorWBPolynomialTools::HasPoleBetween(this, variable, lowBound, highBound)) {
+        done = false;
+        return _factory->CreateIntegrateOperator(this, variable);
+    }
     ZorWBExpression* bounds[] = {_factory->CreateConstant(high), _factory->CreateConstant(low)};
     ZorWBExpression* atBounds[2] = {nullptr, nullptr};
     for (int i = 0; i < 2; ++i) {

@@ -221,13 +221,15 @@ TEST(ZorWBIntegration, FormsOutsideTheTableGiveAnIntegrateNode) {
     ZorWBVariable* x = f.CreateVariable();
     SetReal(x, 0.5);
     std::vector<ZorWBExpression*> unknown = {
-        f.CreateProduct(x, x),                              // two factors with x
-        f.CreateTan(x),                                     // not in the table
-        f.CreateSin(f.CreatePower(x, 2)),                   // argument not linear
-        f.CreateSum(f.CreateSin(x), f.CreateTan(x)),        // one unknown term
-        f.CreateQuotient(f.GetOne(), f.CreatePower(x, 2)),  // divisor not linear
-        f.CreatePower(x, x),                                // exponent and base vary
-        f.CreateLessEqual(x, f.GetOne()),                   // a comparison
+        f.CreateProduct(x, f.CreateSin(x)),                               // two factors with x
+        f.CreateTan(x),                                                   // not in the table
+        f.CreateSin(f.CreatePower(x, 2)),                                 // argument not linear
+        f.CreateSum(f.CreateSin(x), f.CreateTan(x)),                      // one unknown term
+        f.CreateQuotient(f.GetOne(), f.CreateSqrt(f.CreatePower(x, 3))),  // not rational
+        f.CreateQuotient(f.GetOne(),
+                         f.CreateSum(f.CreatePower(x, 4), f.GetOne())),  // quartic roots
+        f.CreatePower(x, x),                                             // exponent and base vary
+        f.CreateLessEqual(x, f.GetOne()),                                // a comparison
     };
     for (ZorWBExpression* e : unknown) {
         bool done = true;

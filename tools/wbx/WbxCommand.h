@@ -37,6 +37,8 @@ int WbxCheckCommand(WbxContext& context);
 int WbxPrintCommand(WbxContext& context);
 int WbxEvalCommand(WbxContext& context);
 int WbxDiffCommand(WbxContext& context);
+int WbxIntegrateCommand(WbxContext& context);
+int WbxRootsCommand(WbxContext& context);
 int WbxJsonCommand(WbxContext& context);
 int WbxGraphCommand(WbxContext& context);
 int WbxReplayWriteCommand(WbxContext& context);

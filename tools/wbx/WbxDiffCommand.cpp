@@ -14,24 +14,14 @@
 #include "output/ZorWBEquationPrinter.h"
 
 int WbxDiffCommand(WbxContext& context) {
-    std::string path, name;
-    const std::vector<std::string>& arguments = context.arguments;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        if (arguments[i] == "--wrt") {
-            if (i + 1 == arguments.size()) return WbxUsageError(context, "--wrt needs a NAME");
-            name = arguments[++i];
-        } else if (arguments[i].rfind("--", 0) == 0 || !path.empty()) {
-            return WbxUsageError(context, "unexpected argument '" + arguments[i] + "'");
-        } else {
-            path = arguments[i];
-        }
-    }
-    if (path.empty() || name.empty()) return WbxUsageError(context, "diff needs FILE --wrt NAME");
+    WbxVariableCommandLine line;
+    if (WbxReadVariableCommandLine(context, "diff", {}, line) != WbxExit::Success)
+        return WbxExit::Usage;
     WbxModelFile file;
-    if (file.Load(context, path) != WbxExit::Success) return WbxExit::Usage;
+    ZorWBVariable* variable = nullptr;
+    if (WbxLoadVariable(context, line, file, variable) != WbxExit::Success) return WbxExit::Usage;
     ZorWBFactory& factory = file.GetFactory();
-    ZorWBVariable* variable = factory.GetVariable(ZorQelString(name));
-    if (!variable) return WbxUsageError(context, "unknown variable '" + name + "'");
+    const std::string& name = line.name;
     int status = WbxExit::Success;
     for (int i = 0; i < factory.GetNbOfEquations(); ++i) {
         ZorWBEquation* equation = factory.GetEquation(i);

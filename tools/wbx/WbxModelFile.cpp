@@ -1,5 +1,6 @@
 #include "WbxModelFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -63,4 +64,40 @@ void WbxReportDiagnostic(WbxContext& context, const std::string& source,
         context.err << location.GetFirstLine() << ":"
                     << static_cast<long long>(location.GetFirstColumn()) + 1 << ":";
     context.err << " " << messenger.GetMessage(i).GetString() << " [code " << code << "]\n";
+}
+
+int WbxReadVariableCommandLine(WbxContext& context, const std::string& command,
+                               const std::vector<std::string>& valueOptions,
+                               WbxVariableCommandLine& line) {
+    const std::vector<std::string>& arguments = context.arguments;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        bool takesValue = argument == "--wrt" || std::find(valueOptions.begin(), valueOptions.end(),
+                                                           argument) != valueOptions.end();
+        if (takesValue) {
+            if (i + 1 == arguments.size())
+                return WbxUsageError(
+                    context, argument + (argument == "--wrt" ? " needs a NAME" : " needs a VALUE"));
+            const std::string& value = arguments[++i];
+            if (argument == "--wrt")
+                line.name = value;
+            else
+                line.values[argument] = value;
+        } else if (argument.rfind("--", 0) == 0 || !line.path.empty()) {
+            return WbxUsageError(context, "unexpected argument '" + argument + "'");
+        } else {
+            line.path = argument;
+        }
+    }
+    if (line.path.empty() || line.name.empty())
+        return WbxUsageError(context, command + " needs FILE --wrt NAME");
+    return WbxExit::Success;
+}
+
+int WbxLoadVariable(WbxContext& context, const WbxVariableCommandLine& line, WbxModelFile& file,
+                    ZorWBVariable*& variable) {
+    if (file.Load(context, line.path) != WbxExit::Success) return WbxExit::Usage;
+    variable = file.GetFactory().GetVariable(ZorQelString(line.name));
+    if (!variable) return WbxUsageError(context, "unknown variable '" + line.name + "'");
+    return WbxExit::Success;
 }

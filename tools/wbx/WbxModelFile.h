@@ -1,7 +1,9 @@
 #ifndef WBX_MODEL_FILE_H
 #define WBX_MODEL_FILE_H
 
+#include <map>
 #include <string>
+#include <vector>
 
 #include "WbxCommand.h"
 #include "expressions/ZorWBBlackBox.h"
@@ -54,5 +56,29 @@ class WbxModelFile {
     ZorQelListPZorWBBlackBox _blackBoxes;
     ZorWBFactory _factory;
 };
+
+// The command line FILE --wrt NAME [OPTION VALUE]... of the commands that
+// work by one variable (diff, integrate, roots).
+struct WbxVariableCommandLine {
+    std::string path;
+    std::string name;
+    // The values of the other options, by option ("--from": "0"); the last
+    // one given wins.
+    std::map<std::string, std::string> values;
+};
+
+// Reads the arguments of command into line; valueOptions lists the options
+// other than --wrt that take a value. WbxExit::Success, or WbxExit::Usage
+// after its message ("--wrt needs a NAME", "unexpected argument '...'",
+// "COMMAND needs FILE --wrt NAME").
+int WbxReadVariableCommandLine(WbxContext& context, const std::string& command,
+                               const std::vector<std::string>& valueOptions,
+                               WbxVariableCommandLine& line);
+
+// Loads the model of line.path into file and finds the variable line.name:
+// WbxExit::Success, or WbxExit::Usage after its message (an unreadable file,
+// diagnostics, "unknown variable 'NAME'").
+int WbxLoadVariable(WbxContext& context, const WbxVariableCommandLine& line, WbxModelFile& file,
+                    ZorWBVariable*& variable);
 
 #endif
