@@ -63,6 +63,15 @@ ZorWBConstraintSystem::ZorWBConstraintSystem(const ZorWBFactory& factory,
     _slots = _tape.MakeSlots();
 }
 
+int ZorWBConstraintSystem::CompileExpression(const ZorWBExpression* expression) {
+    const int slot = _tape.Compile(expression);
+    // New instructions need their slots, new constants their values.
+    std::vector<ZorWBRoundedInterval> slots = _tape.MakeSlots();
+    std::copy(_slots.begin(), _slots.begin() + GetNbOfVariables(), slots.begin());
+    _slots.swap(slots);
+    return slot;
+}
+
 double ZorWBConstraintSystem::ResolveTolerance(const ZorWBPropagationSettings& settings) const {
     double tolerance = _environment.ResolveTolerance(settings.tolerance);
     return tolerance >= 0.0 ? tolerance : 0.0;

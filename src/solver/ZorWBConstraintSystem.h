@@ -12,6 +12,7 @@
 #include "values/ZorWBEnvironment.h"
 
 class ZorWBEquation;
+class ZorWBExpression;
 class ZorWBFactory;
 
 // How a propagation runs.
@@ -98,6 +99,9 @@ class ZORWBX_API ZorWBConstraintSystem {
 
     // The enclosure of a constraint's root over box.
     ZorWBRoundedInterval EvaluateRoot(int constraint, const ZorWBDomainBox& box);
+    // Compiles another expression of the factory onto the tape (a
+    // derivative, say): its slot, -1 when the tape cannot hold it.
+    int CompileExpression(const ZorWBExpression* expression);
     // The working slots of the tape (variables first): what EvaluateRoot
     // and Propagate leave there can be read until the next call.
     std::vector<ZorWBRoundedInterval>& GetSlots() { return _slots; }
