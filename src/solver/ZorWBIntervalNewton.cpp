@@ -121,7 +121,7 @@ ZorWBNewtonOutcome ZorWBIntervalNewton::Step(std::vector<ZorWBRoundedInterval>& 
         const ZorWBRoundedInterval current = box[unknowns[i]];
         const ZorWBRoundedInterval& diagonal = _preconditioned[i * _n + i];
         ZorWBRoundedInterval pieces[2];
-        const int count = ZorWBDivideExtended(sum, diagonal, pieces);
+        const int count = ZorWBFactorPreimage(sum, diagonal, pieces);
         ZorWBRoundedInterval narrowed = ZorWBEmptyInterval();
         for (int k = 0; k < count; ++k) {
             ZorWBRoundedInterval image = ZorWBAdd(ZorWBMakePoint(center[i]), pieces[k]);
@@ -205,7 +205,7 @@ bool ZorWBIntervalNewton::ProveUnique(const std::vector<ZorWBRoundedInterval>& c
         const ZorWBRoundedInterval& domain = cell[unknowns[j]];
         const double low = std::min(domain.low, point[j]), high = std::max(domain.high, point[j]);
         const double margin =
-            0.1 * (high - low) + 1e-14 * std::max(std::fabs(low), std::fabs(high)) + 1e-300;
+            0.1 * (high - low) + 1e-12 * (1.0 + std::max(std::fabs(low), std::fabs(high)));
         uniqueness[unknowns[j]] = {ZorWBNextDown(low - margin), ZorWBNextUp(high + margin)};
     }
     existence = uniqueness;

@@ -3,13 +3,13 @@
 // nearest each end of the domain decide its new bounds.
 //
 // Method: the pieces of one period are computed once, outward, as offsets
-// (for sin: [asin Y, asin Y̅] and [π − asin Y̅, π − asin Y], both within
-// [−π/2, 3π/2]). The new low bound is the first point of a piece k·period +
-// offset at or above the domain's low bound: the scan starts two periods
-// before the period that holds the bound (the period index is computed in
-// doubles and may be off by one, and the pieces of a period may reach half
-// a period beyond it) and stops at the first piece that reaches the bound,
-// so it looks at a handful of pieces whatever the domain's width.
+// (for sin: [asin Y, asin Y̅] and [π − asin Y̅, π − asin Y], both within the
+// window [−π/2, 3π/2]). The new low bound is the first point of a piece
+// k·period + offset at or above the domain's low bound: the scan starts one
+// period before the period whose window holds the bound (that index is
+// computed in doubles and may be off by one) and stops at the first piece
+// that reaches the bound, so it looks at a handful of pieces whatever the
+// domain's width.
 // The high bound is found the same way going down. A domain end that is
 // infinite or beyond 2^30 (where a double no longer knows its phase) is left
 // as it is. Cost: a few evaluations of the inverse function and of k·π.
@@ -25,20 +25,35 @@ namespace ZorWBProjection {
 namespace {
 
 constexpr double LargestPhase = 1073741824.0;  // 2^30
-// Periods scanned from the starting one, two periods before the bound's:
+constexpr double PiBelow = 3.141592653589793;  // the double just below pi
+// Periods scanned from the starting one, one period before the bound's:
 // enough to pass two whole periods beyond the bound.
-constexpr int ScannedPeriods = 6;
+constexpr int ScannedPeriods = 4;
 
 // The pieces of one period: offsets[0..count) in increasing order, all
-// within a window one period long; the period is periodScale * pi.
+// within the window [windowStart, windowStart + period], where the period is
+// periodScale * pi.
 struct PeriodicPieces {
     ZorWBRoundedInterval offsets[2];
     int count;
     double periodScale;
+    double windowStart;
 };
 
+// offset + k * periodScale * pi, outward.
 ZorWBRoundedInterval Piece(const PeriodicPieces& pieces, int i, double k) {
-    return ZorWBAdd(pieces.offsets[i], ZorWBPiMultiple(k, pieces.periodScale));
+    using namespace ZorWBRoundedSteps;
+    const double turns = k * pieces.periodScale;  // an integer: exact
+    const double piAbove = ZorWBNextUp(PiBelow);
+    const double low = turns >= 0.0 ? MultiplyDown(turns, PiBelow) : MultiplyDown(turns, piAbove);
+    const double high = turns >= 0.0 ? MultiplyUp(turns, piAbove) : MultiplyUp(turns, PiBelow);
+    const ZorWBRoundedInterval& offset = pieces.offsets[i];
+    return {Down(offset.low + low), Up(offset.high + high)};
+}
+
+// The index of the period whose window holds x, give or take one.
+double PeriodOf(const PeriodicPieces& pieces, double x) {
+    return std::floor((x - pieces.windowStart) / (pieces.periodScale * PiBelow));
 }
 
 bool Usable(double bound) {
@@ -48,7 +63,7 @@ bool Usable(double bound) {
 // The smallest point at or above low that lies in a piece (+inf if none is
 // found: the pieces were empty).
 double FirstPointFrom(const PeriodicPieces& pieces, double low) {
-    const double start = std::floor(low / (pieces.periodScale * ZorWBPiInterval().low)) - 2.0;
+    const double start = PeriodOf(pieces, low) - 1.0;
     for (int period = 0; period < ScannedPeriods; ++period) {
         for (int i = 0; i < pieces.count; ++i) {
             ZorWBRoundedInterval piece = Piece(pieces, i, start + period);
@@ -60,7 +75,7 @@ double FirstPointFrom(const PeriodicPieces& pieces, double low) {
 
 // The largest point at or below high that lies in a piece.
 double LastPointFrom(const PeriodicPieces& pieces, double high) {
-    const double start = std::floor(high / (pieces.periodScale * ZorWBPiInterval().low)) + 2.0;
+    const double start = PeriodOf(pieces, high) + 1.0;
     for (int period = 0; period < ScannedPeriods; ++period) {
         for (int i = pieces.count - 1; i >= 0; --i) {
             ZorWBRoundedInterval piece = Piece(pieces, i, start - period);
@@ -94,7 +109,7 @@ bool CoversUnit(const ZorWBRoundedInterval& values) {
 bool Sine(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x) {
     ZorWBRoundedInterval values = UnitValues(z);
     if (CoversUnit(values)) return !x.IsEmpty();
-    PeriodicPieces pieces{{}, 0, 2.0};
+    PeriodicPieces pieces{{}, 0, 2.0, -PiBelow / 2.0};
     if (!values.IsEmpty()) {
         ZorWBRoundedInterval rising = ZorWBArcSine(values);  // within [-pi/2, pi/2]
         pieces.offsets[0] = rising;
@@ -107,7 +122,7 @@ bool Sine(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x) {
 bool Cosine(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x) {
     ZorWBRoundedInterval values = UnitValues(z);
     if (CoversUnit(values)) return !x.IsEmpty();
-    PeriodicPieces pieces{{}, 0, 2.0};
+    PeriodicPieces pieces{{}, 0, 2.0, 0.0};
     if (!values.IsEmpty()) {
         ZorWBRoundedInterval falling = ZorWBArcCosine(values);  // within [0, pi]
         pieces.offsets[0] = falling;
@@ -123,7 +138,7 @@ bool Tangent(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x) {
         return false;
     }
     if (!z.IsBounded()) return !x.IsEmpty();
-    PeriodicPieces pieces{{ZorWBArcTangent(z)}, 1, 1.0};  // within [-pi/2, pi/2]
+    PeriodicPieces pieces{{ZorWBArcTangent(z)}, 1, 1.0, -PiBelow / 2.0};  // within [-pi/2, pi/2]
     return NarrowPeriodic(x, pieces);
 }
 

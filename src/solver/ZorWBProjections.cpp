@@ -48,17 +48,6 @@ int PowerPreimage(const ZorWBRoundedInterval& w, unsigned int n, ZorWBRoundedInt
     return SymmetricPieces(ZorWBRoot(ZorWBIntersect(w, {0.0, Infinity}), degree), pieces);
 }
 
-// The points t with t * other in z, as pieces: z ÷ other, and the whole line
-// when 0 lies in both (t * 0 = 0 for every t).
-int FactorPreimage(const ZorWBRoundedInterval& z, const ZorWBRoundedInterval& other,
-                   ZorWBRoundedInterval pieces[2]) {
-    if (z.Contains(0.0) && other.Contains(0.0)) {
-        pieces[0] = {};
-        return 1;
-    }
-    return ZorWBDivideExtended(z, other, pieces);
-}
-
 }  // namespace
 
 ZorWBRoundedInterval HullOfIntersections(const ZorWBRoundedInterval& x,
@@ -75,15 +64,15 @@ bool Add(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x, ZorWBRoundedInt
 
 bool Multiply(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x, ZorWBRoundedInterval& y) {
     ZorWBRoundedInterval pieces[2];
-    if (!NarrowToPieces(x, pieces, FactorPreimage(z, y, pieces))) return false;
-    return NarrowToPieces(y, pieces, FactorPreimage(z, x, pieces));
+    if (!NarrowToPieces(x, pieces, ZorWBFactorPreimage(z, y, pieces))) return false;
+    return NarrowToPieces(y, pieces, ZorWBFactorPreimage(z, x, pieces));
 }
 
 bool Divide(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x, ZorWBRoundedInterval& y) {
     if (!Narrow(x, ZorWBMultiply(z, y))) return false;
     // x = z * y: y is a factor of x.
     ZorWBRoundedInterval pieces[2];
-    return NarrowToPieces(y, pieces, FactorPreimage(x, z, pieces));
+    return NarrowToPieces(y, pieces, ZorWBFactorPreimage(x, z, pieces));
 }
 
 bool Negate(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x) {

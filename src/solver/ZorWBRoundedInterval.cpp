@@ -59,28 +59,8 @@ ZorWBRealInterval ZorWBToRealInterval(const ZorWBRoundedInterval& interval) {
     return {std::max(interval.low, -ZorWBRealLimit), std::min(interval.high, ZorWBRealLimit)};
 }
 
-ZorWBRoundedInterval ZorWBHull(const ZorWBRoundedInterval& a, const ZorWBRoundedInterval& b) {
-    if (a.IsEmpty()) return b;
-    if (b.IsEmpty()) return a;
-    return {std::min(a.low, b.low), std::max(a.high, b.high)};
-}
-
 bool ZorWBIsSubset(const ZorWBRoundedInterval& b, const ZorWBRoundedInterval& a) {
     return b.IsEmpty() || (a.low <= b.low && b.high <= a.high);
-}
-
-ZorWBRoundedInterval ZorWBAdd(const ZorWBRoundedInterval& a, const ZorWBRoundedInterval& b) {
-    if (a.IsEmpty() || b.IsEmpty()) return ZorWBEmptyInterval();
-    return {Down(a.low + b.low), Up(a.high + b.high)};
-}
-
-ZorWBRoundedInterval ZorWBSubtract(const ZorWBRoundedInterval& a, const ZorWBRoundedInterval& b) {
-    if (a.IsEmpty() || b.IsEmpty()) return ZorWBEmptyInterval();
-    return {Down(a.low - b.high), Up(a.high - b.low)};
-}
-
-ZorWBRoundedInterval ZorWBNegate(const ZorWBRoundedInterval& a) {
-    return {-a.high, -a.low};
 }
 
 ZorWBRoundedInterval ZorWBMultiply(const ZorWBRoundedInterval& a, const ZorWBRoundedInterval& b) {
@@ -155,6 +135,15 @@ int ZorWBDivideExtended(const ZorWBRoundedInterval& a, const ZorWBRoundedInterva
         count = 1;
     }
     return count;
+}
+
+int ZorWBFactorPreimage(const ZorWBRoundedInterval& b, const ZorWBRoundedInterval& a,
+                        ZorWBRoundedInterval pieces[2]) {
+    if (b.Contains(0.0) && a.Contains(0.0)) {
+        pieces[0] = {};
+        return 1;
+    }
+    return ZorWBDivideExtended(b, a, pieces);
 }
 
 ZorWBRoundedInterval ZorWBDivide(const ZorWBRoundedInterval& a, const ZorWBRoundedInterval& b) {

@@ -92,17 +92,30 @@ inline ZorWBRoundedInterval ZorWBIntersect(const ZorWBRoundedInterval& a,
     return {a.low > b.low ? a.low : b.low, a.high < b.high ? a.high : b.high};
 }
 // The hull; an empty operand is ignored.
-ZORWBX_API ZorWBRoundedInterval ZorWBHull(const ZorWBRoundedInterval& a,
-                                          const ZorWBRoundedInterval& b);
+inline ZorWBRoundedInterval ZorWBHull(const ZorWBRoundedInterval& a,
+                                      const ZorWBRoundedInterval& b) {
+    if (a.IsEmpty()) return b;
+    if (b.IsEmpty()) return a;
+    return {a.low < b.low ? a.low : b.low, a.high > b.high ? a.high : b.high};
+}
 // Whether a holds b (an empty b is held by anything).
 ZORWBX_API bool ZorWBIsSubset(const ZorWBRoundedInterval& b, const ZorWBRoundedInterval& a);
 
 // ------------------------------------------------------------ arithmetic
-ZORWBX_API ZorWBRoundedInterval ZorWBAdd(const ZorWBRoundedInterval& a,
-                                         const ZorWBRoundedInterval& b);
-ZORWBX_API ZorWBRoundedInterval ZorWBSubtract(const ZorWBRoundedInterval& a,
-                                              const ZorWBRoundedInterval& b);
-ZORWBX_API ZorWBRoundedInterval ZorWBNegate(const ZorWBRoundedInterval& a);
+inline ZorWBRoundedInterval ZorWBAdd(const ZorWBRoundedInterval& a, const ZorWBRoundedInterval& b) {
+    if (a.IsEmpty() || b.IsEmpty())
+        return {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
+    return {ZorWBNextDown(a.low + b.low), ZorWBNextUp(a.high + b.high)};
+}
+inline ZorWBRoundedInterval ZorWBSubtract(const ZorWBRoundedInterval& a,
+                                          const ZorWBRoundedInterval& b) {
+    if (a.IsEmpty() || b.IsEmpty())
+        return {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
+    return {ZorWBNextDown(a.low - b.high), ZorWBNextUp(a.high - b.low)};
+}
+inline ZorWBRoundedInterval ZorWBNegate(const ZorWBRoundedInterval& a) {
+    return {-a.high, -a.low};
+}
 ZORWBX_API ZorWBRoundedInterval ZorWBMultiply(const ZorWBRoundedInterval& a,
                                               const ZorWBRoundedInterval& b);
 // The hull of {x / y : x in a, y in b, y != 0}: a divisor holding 0 inside
@@ -114,6 +127,10 @@ ZORWBX_API ZorWBRoundedInterval ZorWBDivide(const ZorWBRoundedInterval& a,
 // ordered; a divisor holding 0 inside and a dividend away from 0 give two
 // half-lines. Returns the count (0 for the empty set).
 ZORWBX_API int ZorWBDivideExtended(const ZorWBRoundedInterval& a, const ZorWBRoundedInterval& b,
+                                   ZorWBRoundedInterval pieces[2]);
+// The points t with t * a in b, as one or two pieces like the division:
+// b ÷ a, and the whole line when both hold 0 (t * 0 = 0 for every t).
+ZORWBX_API int ZorWBFactorPreimage(const ZorWBRoundedInterval& b, const ZorWBRoundedInterval& a,
                                    ZorWBRoundedInterval pieces[2]);
 ZORWBX_API ZorWBRoundedInterval ZorWBSquare(const ZorWBRoundedInterval& a);
 // a to an integer power; 0 to the power 0 is 1, negative powers are

@@ -74,8 +74,9 @@ inline double SignedPowerUp(double x, unsigned int n) {
     return x >= 0.0 ? PowerUp(x, n) : -PowerDown(-x, n);
 }
 
-// The n-th root of t >= 0: the root that <cmath> gives, moved outward until
-// its power, rounded the other way, passes t.
+// The n-th root of t >= 0: the square root stepped one unit (it is correctly
+// rounded); for other degrees, the root that <cmath> gives, moved outward
+// until its power, rounded the other way, passes t.
 inline double NearestRoot(double t, int n) {
     if (n == 2) return std::sqrt(t);
     if (n == 3) return std::cbrt(t);
@@ -84,6 +85,7 @@ inline double NearestRoot(double t, int n) {
 inline double RootDown(double t, int n) {
     if (t <= 0.0) return 0.0;
     if (t == Infinity) return Infinity;
+    if (n == 2) return std::max(0.0, Down(std::sqrt(t)));  // correctly rounded
     const double r = NearestRoot(t, n);
     double candidate = Down(r);
     for (int i = 0; i < 64 && candidate > 0.0; ++i) {
@@ -95,6 +97,7 @@ inline double RootDown(double t, int n) {
 inline double RootUp(double t, int n) {
     if (t <= 0.0) return 0.0;
     if (t == Infinity) return Infinity;
+    if (n == 2) return Up(std::sqrt(t));
     const double r = NearestRoot(t, n);
     double candidate = Up(r);
     for (int i = 0; i < 64 && candidate < Infinity; ++i) {

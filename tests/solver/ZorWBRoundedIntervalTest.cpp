@@ -161,6 +161,13 @@ TEST(RoundedInterval, DivisionKeepsTheTwoHalfLinesOfADivisorAroundZero) {
     EXPECT_GT(pieces[0].low, 0.0);
     EXPECT_EQ(ZorWBDivideExtended({1.0, 2.0}, {0.0, 0.0}, pieces), 0);
     EXPECT_TRUE(ZorWBDivide({1.0, 2.0}, {0.0, 0.0}).IsEmpty());
+    // t * [0, 2] in [0, 1] holds for every t (t * 0 = 0), which the division
+    // alone, [0, +inf), does not say: a Newton step once emptied boxes so.
+    ASSERT_EQ(ZorWBDivideExtended({0.0, 1.0}, {0.0, 2.0}, pieces), 1);
+    EXPECT_EQ(pieces[0].low, 0.0);
+    ASSERT_EQ(ZorWBFactorPreimage({0.0, 1.0}, {0.0, 2.0}, pieces), 1);
+    EXPECT_FALSE(pieces[0].IsBounded());
+    EXPECT_EQ(ZorWBFactorPreimage({1.0, 2.0}, {0.0, 0.0}, pieces), 0);
     ZorWBRoundedInterval zero = ZorWBDivide({0.0, 0.0}, {-1.0, 1.0});
     EXPECT_EQ(zero.low, 0.0);
     EXPECT_EQ(zero.high, 0.0);
