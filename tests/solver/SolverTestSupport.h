@@ -2,9 +2,15 @@
 #define TESTS_SOLVER_TEST_SUPPORT_H
 
 #include <cmath>
+#include <fstream>
 #include <random>
+#include <sstream>
+#include <string>
 #include <vector>
 
+#include "expressions/ZorWBFactory.h"
+#include "parser/ZorWBBenchmarkReader.h"
+#include "parser/ZorWBParserMessenger.h"
 #include "solver/ZorWBRoundedInterval.h"
 
 // Random intervals and points for the solver's property tests.
@@ -49,6 +55,16 @@ class IntervalSampler {
 // Whether a long double lies in an interval.
 inline bool Holds(const ZorWBRoundedInterval& interval, long double x) {
     return interval.low <= x && x <= interval.high;
+}
+
+// Reads a benchmark problem of tests/solver/data into a factory; false when
+// it does not read.
+inline bool ReadProblem(const std::string& name, ZorWBFactory& factory) {
+    std::ifstream file(std::string(ZORWBX_SOURCE_DIR) + "/tests/solver/data/" + name);
+    std::stringstream text;
+    text << file.rdbuf();
+    ZorWBParserMessenger messenger;
+    return file && ZorWBBenchmarkReader::Read(text.str().c_str(), factory, messenger) == 0;
 }
 
 #endif
