@@ -323,7 +323,7 @@ ZorWBCellResult ZorWBBranchAndPrune::Examine(const ZorWBDomainBox& cell) {
     if (!Contract(box, proved, provingBox)) return result;
     if (_newton) {
         if (proved) {
-            Certify(cell, box, provingBox, result);
+            if (_newton->Tighten(box.intervals)) Certify(cell, box, provingBox, result);
             return result;
         }
         ZorWBDomainBox existence = box, uniqueness = box;

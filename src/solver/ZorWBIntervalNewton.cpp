@@ -211,11 +211,22 @@ bool ZorWBIntervalNewton::ProveUnique(const std::vector<ZorWBRoundedInterval>& c
     existence = uniqueness;
     bool strictly = false;
     if (Step(existence, point, strictly) != ZorWBNewtonOutcome::Proved || !strictly) return false;
-    // Tighten the enclosure of the zero: every zero of the box stays in it.
-    for (int k = 0; k < 4; ++k) {
-        ZorWBNewtonOutcome outcome = Contract(existence);
+    return Tighten(existence);
+}
+
+bool ZorWBIntervalNewton::Tighten(std::vector<ZorWBRoundedInterval>& box) {
+    const std::vector<int>& unknowns = _system.GetUnknowns();
+    auto widest = [&] {
+        double width = 0.0;
+        for (int v : unknowns)
+            width = std::max(width, box[v].Width());
+        return width;
+    };
+    for (int step = 0; step < MaxTighteningSteps; ++step) {
+        const double before = widest();
+        const ZorWBNewtonOutcome outcome = Contract(box);
         if (outcome == ZorWBNewtonOutcome::Empty) return false;
-        if (outcome == ZorWBNewtonOutcome::Unchanged) break;
+        if (outcome == ZorWBNewtonOutcome::Unchanged || widest() > 0.99 * before) break;
     }
     return true;
 }

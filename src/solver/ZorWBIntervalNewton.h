@@ -56,10 +56,17 @@ class ZORWBX_API ZorWBIntervalNewton {
                      std::vector<ZorWBRoundedInterval>& existence,
                      std::vector<ZorWBRoundedInterval>& uniqueness);
 
+    // Newton steps on a box known to hold exactly one zero, while they narrow
+    // it (a proof's existence box comes out a few units wide); false when a
+    // step finds it empty, which contradicts the proof.
+    bool Tighten(std::vector<ZorWBRoundedInterval>& box);
+
     // The last Jacobian evaluated (row-major), for the bisection's smear.
     const std::vector<ZorWBRoundedInterval>& GetJacobian() const { return _jacobian; }
 
   private:
+    static constexpr int MaxTighteningSteps = 30;
+
     // One step with the given center (one coordinate per unknown); strictly
     // tells whether the image lay strictly inside the box.
     ZorWBNewtonOutcome Step(std::vector<ZorWBRoundedInterval>& box,

@@ -100,6 +100,7 @@ TEST(WbxRobustness, EveryCommandOnFilesItCannotUse) {
         {{"replay-write"}, {"-o", f.output}, 2, 2, 0, 0, 2, 2, 0},
         {{"transform"}, {}, 2, 2, 0, 0, 2, 2, 0},
         {{"replay"}, {}, 2, 2, 2, 2, 2, 2, 2},
+        {{"solve"}, {"--max-cells", "200"}, 2, 2, 2, 2, 2, 2, 3},
     };
     for (const Row& row : rows) {
         const std::pair<const std::string*, int> files[] = {
@@ -169,6 +170,16 @@ TEST(WbxRobustness, AbsurdCommandLines) {
         {{"transform", g, "--replay", f.directory}, 2},
         {{"replay"}, 2},
         {{"replay", g, g}, 2},
+        {{"solve", g, g}, 2},
+        {{"solve", g, "--eps", "-1e-8"}, 2},
+        {{"solve", g, "--eps", "1e999"}, 2},
+        {{"solve", g, "--timeout", "inf"}, 2},
+        {{"solve", g, "--max-cells", "-3"}, 2},
+        {{"solve", g, "--max-cells", "99999999999999999999"}, 2},
+        {{"solve", g, "--max-solutions", "x"}, 2},
+        {{"solve", g, "--threads", "-1"}, 2},
+        {{"solve", g, "--set", "x=[2, 1]"}, 2},
+        {{"solve", g, "--max-cells", "50", "--threads", "2", "--json", "--json"}, 3},
     };
     for (const Case& c : cases)
         Check(c);

@@ -10,6 +10,7 @@ namespace WbxExit {
 constexpr int Success = 0;
 constexpr int Failure = 1;  // diagnostics found, relation violated, replay differs
 constexpr int Usage = 2;    // bad command line, unreadable file, bad value
+constexpr int Limit = 3;    // a limit stopped the search before its end (solve)
 }  // namespace WbxExit
 
 // What a command sees: its arguments (after the command name) and the two
@@ -39,6 +40,7 @@ int WbxGraphCommand(WbxContext& context);
 int WbxReplayWriteCommand(WbxContext& context);
 int WbxTransformCommand(WbxContext& context);
 int WbxReplayCommand(WbxContext& context);
+int WbxSolveCommand(WbxContext& context);
 
 // The tool's entry point, callable in-process by tests.
 int WbxMain(int argc, const char* const* argv, std::ostream& out, std::ostream& err);

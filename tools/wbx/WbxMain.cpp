@@ -29,6 +29,11 @@ const WbxCommand Commands[] = {
      "runs the symbolic transformations and prints the transformed system", WbxTransformCommand},
     {"replay", "wbx replay FILE", "repeats a recorded transformation and compares its output",
      WbxReplayCommand},
+    {"solve",
+     "wbx solve FILE [--set NAME=VALUE]... [--eps E] [--timeout SECONDS] [--max-cells N] "
+     "[--max-solutions N] [--threads N] [--json]",
+     "finds boxes holding every solution of the relations, and proves the solutions",
+     WbxSolveCommand},
 };
 
 int ShowHelp(WbxContext& context) {
