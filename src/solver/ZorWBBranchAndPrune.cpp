@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr double Infinity = std::numeric_limits<double>::infinity();
 // Where a bounded domain is cut: off the middle, so that a zero at the
 // middle of a symmetric domain does not fall on the cut.
 constexpr double SplitRatio = 0.45;

@@ -1,5 +1,7 @@
 #include "solver/ZorWBPropagator.h"
 
+#include <exception>
+
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
 #include "values/ZorWBValueFunctions.h"
@@ -19,8 +21,13 @@ bool SameInterval(const ZorWBRoundedInterval& a, const ZorWBRoundedInterval& b) 
 
 }  // namespace
 
-ZorWBPropagator::ZorWBPropagator(ZorWBFactory& factory)
-    : _factory(factory), _system(new ZorWBConstraintSystem(factory, EquationsOf(factory))) {}
+ZorWBPropagator::ZorWBPropagator(ZorWBFactory& factory) : _factory(factory) {
+    try {
+        _system.reset(new ZorWBConstraintSystem(factory, EquationsOf(factory)));
+    } catch (const std::exception&) {
+        _system.reset();  // memory ran short: propagations narrow nothing
+    }
+}
 
 ZorWBPropagator::~ZorWBPropagator() = default;
 
@@ -50,7 +57,8 @@ ZorWBDomainBox ZorWBPropagator::ReadDomains() {
     return box;
 }
 
-ZorWBPropagationResult ZorWBPropagator::Run(const std::vector<int>* seeds, ZorWBDomainBox& box) {
+ZorWBPropagationResult ZorWBPropagator::Run(const std::vector<int>* seeds,
+                                            ZorWBDomainBox& box) try {
     const ZorWBDomainBox initial = box;
     ZorWBPropagationReport report;
     ZorWBPropagationResult result;
@@ -65,15 +73,21 @@ ZorWBPropagationResult ZorWBPropagator::Run(const std::vector<int>* seeds, ZorWB
             ZorWBDomainValue(_system->GetKind(v), box.intervals[v], box.values[v]));
     }
     return result;
+} catch (const std::exception&) {
+    return ZorWBPropagationResult();
 }
 
-ZorWBPropagationResult ZorWBPropagator::Propagate() {
+ZorWBPropagationResult ZorWBPropagator::Propagate() try {
+    if (!_system) return ZorWBPropagationResult();
     ZorWBDomainBox box = ReadDomains();
     return Run(nullptr, box);
+} catch (const std::exception&) {
+    return ZorWBPropagationResult();
 }
 
-ZorWBPropagationResult ZorWBPropagator::Narrow(ZorWBVariable* variable, const ZorWBValue& value) {
-    if (!variable || variable->GetFactory() != &_factory ||
+ZorWBPropagationResult ZorWBPropagator::Narrow(ZorWBVariable* variable,
+                                               const ZorWBValue& value) try {
+    if (!_system || !variable || variable->GetFactory() != &_factory ||
         variable->GetIdx() >= _system->GetNbOfVariables())
         return ZorWBPropagationResult();
     const int index = variable->GetIdx();
@@ -89,4 +103,6 @@ ZorWBPropagationResult ZorWBPropagator::Narrow(ZorWBVariable* variable, const Zo
     ZorWBPropagationResult result = Run(&seeds, box);
     if (!result.consistent) variable->SetExprValue(before);
     return result;
+} catch (const std::exception&) {
+    return ZorWBPropagationResult();
 }

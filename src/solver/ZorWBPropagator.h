@@ -40,7 +40,7 @@ struct ZorWBPropagationResult {
 // functions give by a relative hair). Domains keep their kinds: integer
 // values and intervals keep integer bounds, enumerations drop elements.
 // When a propagation proves the system inconsistent, the variables keep the
-// values they had before it.
+// values they had before it; when memory runs short it narrows nothing.
 //
 // The propagator uses the factory, which must outlive it, from the calling
 // thread only.
@@ -65,7 +65,9 @@ class ZORWBX_API ZorWBPropagator {
     // changes nothing.
     ZorWBPropagationResult Narrow(ZorWBVariable* variable, const ZorWBValue& value);
 
-    const ZorWBConstraintSystem& GetSystem() const { return *_system; }
+    // Null when memory ran short at construction (propagations then narrow
+    // nothing).
+    const ZorWBConstraintSystem* GetSystem() const { return _system.get(); }
 
   private:
     ZorWBPropagationResult Run(const std::vector<int>* seeds, ZorWBDomainBox& box);

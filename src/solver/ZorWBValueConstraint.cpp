@@ -12,8 +12,14 @@
 
 namespace ZVP = ZorWBValueProjection;
 
-ZorWBValueConstraint::ZorWBValueConstraint(const ZorWBExpression* root) try {
-    if (!root) return;
+ZorWBValueConstraint::ZorWBValueConstraint(const ZorWBExpression* root) {
+    if (!root || !Lay(root)) {
+        _nodes.clear();
+        _variables.clear();
+    }
+}
+
+bool ZorWBValueConstraint::Lay(const ZorWBExpression* root) try {
     // Children first with an explicit stack; a node is placed when it is met
     // the second time, after its children.
     std::unordered_map<const ZorWBExpression*, int> position;
@@ -50,9 +56,9 @@ ZorWBValueConstraint::ZorWBValueConstraint(const ZorWBExpression* root) try {
     }
     std::sort(_variables.begin(), _variables.end());
     _values.resize(_nodes.size());
+    return true;
 } catch (const std::exception&) {
-    _nodes.clear();
-    _variables.clear();
+    return false;
 }
 
 void ZorWBValueConstraint::Forward(const ZorWBEnvironment& environment,

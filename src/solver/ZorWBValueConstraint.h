@@ -54,6 +54,9 @@ class ZORWBX_API ZorWBValueConstraint {
         int variable;               // variable index, or -1
     };
 
+    // Places the nodes of the subgraph, children first; false for a cycle, a
+    // null child or memory running short.
+    bool Lay(const ZorWBExpression* root);
     // Each node's value from its children's; with keepNarrowed, intersected
     // with what the previous pass narrowed it to.
     void Forward(const ZorWBEnvironment& environment, const std::vector<ZorWBValue>& domains,

@@ -146,3 +146,17 @@ TEST(WbxSolve, RefusesAbsurdOptionsAndFilesWithAMessage) {
     EXPECT_EQ(RunWbx({"solve", empty.c_str()}).err,
               "wbx: '" + empty + "' holds no equation to solve\n");
 }
+
+TEST(WbxSolve, SolvesTheShippedExamples) {
+    const std::pair<const char*, const char*> examples[] = {
+        {"kin1.wbx", "complete: 16 solution, 0 boundary, 0 unknown"},
+        {"cyclohexane.wbx", "complete: 16 solution, 0 boundary, 0 unknown"},
+        {"kolev36.wbx", "complete: 1 solution, 0 boundary, 0 unknown"},
+    };
+    for (const auto& [name, summary] : examples) {
+        std::string path = std::string(ZORWBX_SOURCE_DIR) + "/examples/" + name;
+        WbxRun run = RunWbx({"solve", path.c_str()});
+        EXPECT_EQ(run.status, 0) << name << run.err;
+        EXPECT_NE(run.out.find(summary), std::string::npos) << name;
+    }
+}
