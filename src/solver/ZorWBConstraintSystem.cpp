@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <deque>
 
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
@@ -174,13 +173,16 @@ bool ZorWBConstraintSystem::Propagate(ZorWBDomainBox& box, const ZorWBPropagatio
                                       ZorWBPropagationReport& report,
                                       const std::vector<int>* seeds) {
     report = ZorWBPropagationReport();
-    std::vector<char> queued(_constraints.size(), 0);
-    std::deque<int> queue;
+    // A ring of constraint indices: each is queued at most once at a time.
+    const std::size_t size = _constraints.size();
+    _queued.assign(size, 0);
+    _queue.resize(size + 1);
+    std::size_t head = 0, tail = 0;
     auto enqueue = [&](int c) {
-        if (!queued[c]) {
-            queued[c] = 1;
-            queue.push_back(c);
-        }
+        if (_queued[c]) return;
+        _queued[c] = 1;
+        _queue[tail] = c;
+        tail = tail == size ? 0 : tail + 1;
     };
     if (seeds) {
         for (int v : *seeds) {
@@ -195,22 +197,21 @@ bool ZorWBConstraintSystem::Propagate(ZorWBDomainBox& box, const ZorWBPropagatio
     }
     const int budget = 50 * GetNbOfConstraints() + 1000;
     Run run(*this, box, ResolveTolerance(settings));
-    std::vector<ZorWBRoundedInterval> before;
-    while (!queue.empty() && report.nbOfRevisions < budget) {
-        const int c = queue.front();
-        queue.pop_front();
-        queued[c] = 0;
+    while (head != tail && report.nbOfRevisions < budget) {
+        const int c = _queue[head];
+        head = head == size ? 0 : head + 1;
+        _queued[c] = 0;
         const Constraint& constraint = _constraints[c];
-        before.clear();
+        _before.clear();
         for (int v : constraint.variables)
-            before.push_back(run.Slot(v));
+            _before.push_back(run.Slot(v));
         ++report.nbOfRevisions;
         bool consistent = run.Revise(constraint);
         for (std::size_t i = 0; consistent && i < constraint.variables.size(); ++i) {
             const int v = constraint.variables[i];
             const ZorWBRoundedInterval revised = run.Slot(v);
             consistent = run.Normalize(v);
-            if (!consistent || !Shrank(before[i], run.Slot(v), settings.ratio)) continue;
+            if (!consistent || !Shrank(_before[i], run.Slot(v), settings.ratio)) continue;
             // The revision is not revised again for what it narrowed itself,
             // but it is for what the domain's kind removed after it.
             const bool normalized = !SameInterval(revised, run.Slot(v));

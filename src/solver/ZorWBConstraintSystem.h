@@ -115,7 +115,11 @@ class ZORWBX_API ZorWBConstraintSystem {
     std::vector<Constraint> _constraints;
     std::vector<std::vector<int>> _constraintsOf;
     std::vector<ZorWBDomainKind> _kinds;
-    std::vector<ZorWBValue> _valueDomains;  // scratch of the value constraints
+    // Scratch of Propagate and of the value constraints.
+    std::vector<char> _queued;
+    std::vector<int> _queue;
+    std::vector<ZorWBRoundedInterval> _before;
+    std::vector<ZorWBValue> _valueDomains;
 };
 
 #endif

@@ -11,9 +11,11 @@
 #include "solver/ZorWBProjections.h"
 #include "solver/ZorWBTapeCompiler.h"
 
-ZorWBRoundedInterval ZorWBApplyTapeOp(const ZorWBTapeInstruction& instruction,
-                                      const ZorWBRoundedInterval& a,
-                                      const ZorWBRoundedInterval& b) {
+namespace {
+
+// The forward image of one instruction, inlined into the tape's loop.
+inline ZorWBRoundedInterval Apply(const ZorWBTapeInstruction& instruction,
+                                  const ZorWBRoundedInterval& a, const ZorWBRoundedInterval& b) {
     switch (instruction.op) {
         case ZorWBTapeOp::Add:
             return ZorWBAdd(a, b);
@@ -69,8 +71,6 @@ ZorWBRoundedInterval ZorWBApplyTapeOp(const ZorWBTapeInstruction& instruction,
     }
     return a;
 }
-
-namespace {
 
 // Narrows the operands a (and b) of an instruction from its value z.
 bool ProjectInstruction(const ZorWBTapeInstruction& instruction, const ZorWBRoundedInterval& z,
@@ -134,6 +134,12 @@ bool ProjectInstruction(const ZorWBTapeInstruction& instruction, const ZorWBRoun
 
 }  // namespace
 
+ZorWBRoundedInterval ZorWBApplyTapeOp(const ZorWBTapeInstruction& instruction,
+                                      const ZorWBRoundedInterval& a,
+                                      const ZorWBRoundedInterval& b) {
+    return Apply(instruction, a, b);
+}
+
 ZorWBConstraintTape::ZorWBConstraintTape(int nbOfVariables)
     : _nbOfVariables(std::max(nbOfVariables, 0)),
       _code(static_cast<std::size_t>(_nbOfVariables)),
@@ -195,7 +201,7 @@ bool ZorWBConstraintTape::Evaluate(const std::vector<int>& program,
     for (int slot : program) {
         const ZorWBTapeInstruction& instruction = _code[slot];
         const ZorWBRoundedInterval& b = instruction.b >= 0 ? slots[instruction.b] : none;
-        slots[slot] = ZorWBApplyTapeOp(instruction, slots[instruction.a], b);
+        slots[slot] = Apply(instruction, slots[instruction.a], b);
         if (slots[slot].IsEmpty()) return false;
     }
     return true;

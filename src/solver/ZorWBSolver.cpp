@@ -69,6 +69,10 @@ void ReadDomains(const ZorWBFactory& factory,
         read(v, factory.GetVariable(v)->GetExprValue());
     for (const auto& [v, value] : overrides)
         read(v, value);
+    // Boxes hold values only for listed domains: without any, none is kept.
+    if (std::none_of(problem.kinds.begin(), problem.kinds.end(),
+                     [](ZorWBDomainKind kind) { return kind == ZorWBDomainKind::Listed; }))
+        problem.initial.values.clear();
 }
 
 int ThreadCount(int requested) {
