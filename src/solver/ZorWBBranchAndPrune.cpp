@@ -18,6 +18,9 @@ constexpr double NewtonProgress = 0.1;
 // Proofs by inflation are tried on boxes whose unknowns are all narrower
 // than this part of their magnitude (plus one).
 constexpr double ProofWidth = 1e-3;
+// Square systems of at most this many unknowns are also contracted by
+// linear relaxation: its 2n linear programs grow with the cube of n.
+constexpr int LinearMaxUnknowns = 12;
 // Slices of a domain tried at each end when shaving.
 constexpr int ShavingSlices = 10;
 
@@ -69,7 +72,11 @@ ZorWBBranchAndPrune::ZorWBBranchAndPrune(const ZorWBFactory& source,
     _nbOfEqualities = static_cast<int>(equalities.size());
     if (allOnTape && !equalities.empty() && equalities.size() == problem.unknowns.size()) {
         _square.reset(new ZorWBSquareSystem(_factory, *_kept, equalities, problem.unknowns));
-        if (_square->IsValid()) _newton.reset(new ZorWBIntervalNewton(*_square));
+        if (_square->IsValid()) {
+            _newton.reset(new ZorWBIntervalNewton(*_square));
+            if (_square->GetSize() <= LinearMaxUnknowns)
+                _linear.reset(new ZorWBLinearContractor(*_square));
+        }
     }
     _valid = true;
 }
@@ -171,6 +178,11 @@ bool ZorWBBranchAndPrune::Contract(ZorWBDomainBox& box, bool& proved, ZorWBDomai
                 provingBox = before;
             }
             // Newton converging: let it go on.
+            if (Progressed(before, box, _problem.unknowns, NewtonProgress)) continue;
+        }
+        if (_linear) {
+            const ZorWBDomainBox before = box;
+            if (!_linear->Contract(box.intervals)) return false;
             if (Progressed(before, box, _problem.unknowns, NewtonProgress)) continue;
         }
         const ZorWBDomainBox before = box;

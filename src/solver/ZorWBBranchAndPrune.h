@@ -9,6 +9,7 @@
 #include "expressions/ZorWBFactory.h"
 #include "solver/ZorWBConstraintSystem.h"
 #include "solver/ZorWBIntervalNewton.h"
+#include "solver/ZorWBLinearContractor.h"
 #include "solver/ZorWBSolverTypes.h"
 
 // The problem every worker solves, decided once from the host's factory.
@@ -49,7 +50,9 @@ struct ZorWBCellResult {
 // never depends on which worker examines it or when:
 // 1. Contraction, in rounds: propagation (HC4) over the kept relations; on
 //    square systems a Newton step, and another round at once when it
-//    narrowed some unknown by more than a tenth; otherwise shaving (3BCID):
+//    narrowed some unknown by more than a tenth; then, for square systems of
+//    at most 12 unknowns, the linear relaxation (ZorWBLinearContractor),
+//    another round when it narrowed as much; otherwise shaving (3BCID):
 //    each unknown, in order of smear, is cut into 10 slices, the empty
 //    slices at each end (whose propagation empties the box) are dropped, and
 //    the box becomes the hull of the propagated first, middle and last parts;
@@ -114,6 +117,7 @@ class ZORWBX_API ZorWBBranchAndPrune {
     std::unique_ptr<ZorWBConstraintSystem> _kept;
     std::unique_ptr<ZorWBSquareSystem> _square;
     std::unique_ptr<ZorWBIntervalNewton> _newton;
+    std::unique_ptr<ZorWBLinearContractor> _linear;
     ZorWBPropagationSettings _settings;
     int _nbOfEqualities = 0;
     bool _valid = false;
