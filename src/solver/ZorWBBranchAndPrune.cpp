@@ -19,8 +19,11 @@ constexpr double NewtonProgress = 0.1;
 // than this part of their magnitude (plus one).
 constexpr double ProofWidth = 1e-3;
 // Square systems of at most this many unknowns are also contracted by
-// linear relaxation: its 2n linear programs grow with the cube of n.
+// linear relaxation (its 2n linear programs grow with the cube of n), on
+// boxes whose unknowns are all narrower than this part of their magnitude
+// plus one (a linearisation over wider boxes prunes nothing).
 constexpr int LinearMaxUnknowns = 12;
+constexpr double LinearWidth = 1.0;
 // Slices of a domain tried at each end when shaving.
 constexpr int ShavingSlices = 10;
 
@@ -180,7 +183,7 @@ bool ZorWBBranchAndPrune::Contract(ZorWBDomainBox& box, bool& proved, ZorWBDomai
             // Newton converging: let it go on.
             if (Progressed(before, box, _problem.unknowns, NewtonProgress)) continue;
         }
-        if (_linear) {
+        if (_linear && IsNarrowerThan(box, LinearWidth)) {
             const ZorWBDomainBox before = box;
             if (!_linear->Contract(box.intervals)) return false;
             if (Progressed(before, box, _problem.unknowns, NewtonProgress)) continue;
@@ -229,9 +232,9 @@ void ZorWBBranchAndPrune::Certify(const ZorWBDomainBox& cell, const ZorWBDomainB
     }
 }
 
-bool ZorWBBranchAndPrune::ShouldTryProof(const ZorWBDomainBox& box) const {
+bool ZorWBBranchAndPrune::IsNarrowerThan(const ZorWBDomainBox& box, double part) const {
     for (int v : _problem.unknowns) {
-        if (RelativeWidth(box.intervals[v]) > ProofWidth) return false;
+        if (RelativeWidth(box.intervals[v]) > part) return false;
     }
     return true;
 }
@@ -338,7 +341,7 @@ ZorWBCellResult ZorWBBranchAndPrune::Examine(const ZorWBDomainBox& cell) {
             return result;
         }
         ZorWBDomainBox existence = box, uniqueness = box;
-        if (ShouldTryProof(box) &&
+        if (IsNarrowerThan(box, ProofWidth) &&
             _newton->ProveUnique(box.intervals, existence.intervals, uniqueness.intervals)) {
             Certify(cell, existence, uniqueness, result);
             return result;

@@ -51,8 +51,9 @@ struct ZorWBCellResult {
 // 1. Contraction, in rounds: propagation (HC4) over the kept relations; on
 //    square systems a Newton step, and another round at once when it
 //    narrowed some unknown by more than a tenth; then, for square systems of
-//    at most 12 unknowns, the linear relaxation (ZorWBLinearContractor),
-//    another round when it narrowed as much; otherwise shaving (3BCID):
+//    at most 12 unknowns on boxes narrower than their magnitude plus one, the
+//    linear relaxation (ZorWBLinearContractor), another round when it
+//    narrowed as much; otherwise shaving (3BCID):
 //    each unknown, in order of smear, is cut into 10 slices, the empty
 //    slices at each end (whose propagation empties the box) are dropped, and
 //    the box becomes the hull of the propagated first, middle and last parts;
@@ -106,7 +107,8 @@ class ZORWBX_API ZorWBBranchAndPrune {
     // Whether every inequality holds on the box (ZorWBTrue), one fails
     // (ZorWBFalse), or neither.
     ZorWBBoolean InequalitiesHold(const ZorWBDomainBox& box);
-    bool ShouldTryProof(const ZorWBDomainBox& box) const;
+    // Whether every unknown is narrower than part of its magnitude plus one.
+    bool IsNarrowerThan(const ZorWBDomainBox& box, double part) const;
     // The variable to split, -1 when none can be.
     int ChooseVariable(const ZorWBDomainBox& box);
     bool CanSplit(const ZorWBDomainBox& box, int variable, double& point) const;
