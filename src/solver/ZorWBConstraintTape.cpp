@@ -21,6 +21,8 @@ inline ZorWBRoundedInterval Apply(const ZorWBTapeInstruction& instruction,
             return ZorWBAdd(a, b);
         case ZorWBTapeOp::Multiply:
             return ZorWBMultiply(a, b);
+        case ZorWBTapeOp::Scale:
+            return ZorWBScale(a, b.low);
         case ZorWBTapeOp::Divide:
             return ZorWBDivide(a, b);
         case ZorWBTapeOp::Negate:
@@ -81,6 +83,8 @@ bool ProjectInstruction(const ZorWBTapeInstruction& instruction, const ZorWBRoun
             return P::Add(z, a, b);
         case ZorWBTapeOp::Multiply:
             return P::Multiply(z, a, b);
+        case ZorWBTapeOp::Scale:
+            return P::Scale(z, a, b.low);
         case ZorWBTapeOp::Divide:
             return P::Divide(z, a, b);
         case ZorWBTapeOp::Negate:

@@ -15,6 +15,7 @@ enum class ZorWBTapeOp : unsigned char {
     Constant,  // an enclosure of a constant, computed once
     Add,
     Multiply,
+    Scale,  // by the non-zero constant of slot b (a multiple that is exact)
     Divide,
     Negate,
     Power,  // by the integer n
@@ -41,8 +42,8 @@ enum class ZorWBTapeOp : unsigned char {
 
 // Whether an operation reads two operands (the others read one, or none).
 constexpr bool ZorWBIsBinaryTapeOp(ZorWBTapeOp op) {
-    return op == ZorWBTapeOp::Add || op == ZorWBTapeOp::Multiply || op == ZorWBTapeOp::Divide ||
-           op == ZorWBTapeOp::Min || op == ZorWBTapeOp::Max;
+    return op == ZorWBTapeOp::Add || op == ZorWBTapeOp::Multiply || op == ZorWBTapeOp::Scale ||
+           op == ZorWBTapeOp::Divide || op == ZorWBTapeOp::Min || op == ZorWBTapeOp::Max;
 }
 
 struct ZorWBTapeInstruction {
@@ -57,7 +58,8 @@ struct ZorWBTapeInstruction {
 // which any number of roots are compiled. Every node of the expression graph
 // gets one slot, and so does every sub-expression equal to another (same
 // operation on the same slots): sums and products of several children
-// become chains of two-operand instructions. Constant sub-expressions are
+// become chains of two-operand instructions, and a product by a constant
+// number a scaling (by -1 a negation). Constant sub-expressions are
 // evaluated once at compilation. Slots 0 .. nbOfVariables - 1 are the
 // variables, by index, and every other slot comes after the slots it reads,
 // so that the order of slots is an order of evaluation.

@@ -68,6 +68,10 @@ bool Multiply(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x, ZorWBRound
     return NarrowToPieces(y, pieces, ZorWBFactorPreimage(z, x, pieces));
 }
 
+bool Scale(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x, double c) {
+    return Narrow(x, ZorWBDivide(z, ZorWBMakePoint(c)));
+}
+
 bool Divide(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x, ZorWBRoundedInterval& y) {
     if (!Narrow(x, ZorWBMultiply(z, y))) return false;
     // x = z * y: y is a factor of x.

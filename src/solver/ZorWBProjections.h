@@ -22,6 +22,8 @@ ZORWBX_API bool Add(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x,
 // z = x · y:  x ∈ X ∩ (Z ÷ Y),  y ∈ Y ∩ (Z ÷ X).
 ZORWBX_API bool Multiply(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x,
                          ZorWBRoundedInterval& y);
+// z = c · x for a number c != 0:  x ∈ X ∩ (Z / c).
+ZORWBX_API bool Scale(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x, double c);
 // z = x / y:  x ∈ X ∩ (Z · Y),  y ∈ Y ∩ (X ÷ Z).
 ZORWBX_API bool Divide(const ZorWBRoundedInterval& z, ZorWBRoundedInterval& x,
                        ZorWBRoundedInterval& y);

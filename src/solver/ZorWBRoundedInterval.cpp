@@ -173,6 +173,7 @@ ZorWBRoundedInterval PositivePower(const ZorWBRoundedInterval& a, unsigned int n
 ZorWBRoundedInterval ZorWBPower(const ZorWBRoundedInterval& a, int exponent) {
     if (a.IsEmpty()) return ZorWBEmptyInterval();
     if (exponent == 0) return {1.0, 1.0};
+    if (exponent == 2) return ZorWBSquare(a);
     if (exponent > 0) return PositivePower(a, static_cast<unsigned int>(exponent));
     unsigned int n = 0u - static_cast<unsigned int>(exponent);
     return ZorWBDivide({1.0, 1.0}, PositivePower(a, n));

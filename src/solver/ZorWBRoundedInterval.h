@@ -118,6 +118,12 @@ inline ZorWBRoundedInterval ZorWBNegate(const ZorWBRoundedInterval& a) {
 }
 ZORWBX_API ZorWBRoundedInterval ZorWBMultiply(const ZorWBRoundedInterval& a,
                                               const ZorWBRoundedInterval& b);
+// c * a for a finite number c != 0.
+inline ZorWBRoundedInterval ZorWBScale(const ZorWBRoundedInterval& a, double c) {
+    if (a.IsEmpty()) return a;
+    const double low = c > 0.0 ? a.low : a.high, high = c > 0.0 ? a.high : a.low;
+    return {ZorWBNextDown(low * c), ZorWBNextUp(high * c)};
+}
 // The hull of {x / y : x in a, y in b, y != 0}: a divisor holding 0 inside
 // gives the whole line (unless a is [0, 0]), a divisor [0, 0] the empty
 // interval.

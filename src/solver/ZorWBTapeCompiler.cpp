@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstring>
 #include <exception>
+#include <utility>
 
 #include "expressions/ZorWBExpression.h"
 #include "expressions/ZorWBExpressionType.h"
@@ -175,6 +176,17 @@ int ZorWBTapeCompiler::EmitConstant(const ZorWBRoundedInterval& value) {
 
 int ZorWBTapeCompiler::Emit(ZorWBTapeOp op, int a, int b, int n) {
     if (a < 0 || (b < 0 && ZorWBIsBinaryTapeOp(op))) return -1;
+    if (op == ZorWBTapeOp::Multiply) {
+        // A product by a constant number is a scaling: cheaper both ways.
+        double factor = 0.0;
+        if (GetPointConstant(a, factor)) std::swap(a, b);
+        if (GetPointConstant(b, factor) && factor != 0.0 && std::isfinite(factor) &&
+            _tape._code[a].op != ZorWBTapeOp::Constant) {
+            if (factor == 1.0) return a;
+            if (factor == -1.0) return Emit(ZorWBTapeOp::Negate, a);
+            op = ZorWBTapeOp::Scale;
+        }
+    }
     const Key key{op, a, b, n};
     auto found = _instructions.find(key);
     if (found != _instructions.end()) return found->second;
@@ -192,6 +204,14 @@ int ZorWBTapeCompiler::Emit(ZorWBTapeOp op, int a, int b, int n) {
     int slot = NewSlot(instruction, ZorWBRoundedInterval());
     _instructions.emplace(key, slot);
     return slot;
+}
+
+bool ZorWBTapeCompiler::GetPointConstant(int slot, double& value) const {
+    if (slot < 0 || _tape._code[slot].op != ZorWBTapeOp::Constant) return false;
+    const ZorWBRoundedInterval& constant = _tape._constants[slot];
+    if (!constant.IsPoint()) return false;
+    value = constant.low;
+    return true;
 }
 
 bool ZorWBTapeCompiler::GetIntegerConstant(int slot, int& value) const {

@@ -31,6 +31,8 @@ class ZorWBTapeCompiler {
     // The point value of a constant slot that holds an integer, for the
     // exponents and degrees; false for any other slot.
     bool GetIntegerConstant(int slot, int& value) const;
+    // The value of a constant slot that holds a single number.
+    bool GetPointConstant(int slot, double& value) const;
 
   private:
     struct Key {

@@ -32,6 +32,10 @@ bool Everywhere(double) {
 
 const UnaryCase UnaryCases[] = {
     {"negate", P::Negate, [](long double x) { return -x; }, Everywhere, 10},
+    {"scale by -0.3", [](auto& z, auto& x) { return P::Scale(z, x, -0.3); },
+     [](long double x) { return static_cast<long double>(-0.3) * x; }, Everywhere, 10},
+    {"scale by 7", [](auto& z, auto& x) { return P::Scale(z, x, 7.0); },
+     [](long double x) { return 7.0L * x; }, Everywhere, 10},
     {"square", [](auto& z, auto& x) { return P::Power(z, x, 2); },
      [](long double x) { return x * x; }, Everywhere, 10},
     {"cube", [](auto& z, auto& x) { return P::Power(z, x, 3); },

@@ -69,6 +69,10 @@ const UnaryCase UnaryCases[] = {
     {"fourth root", [](const ZorWBRoundedInterval& a) { return ZorWBRoot(a, 4); },
      [](long double x) { return powl(x, 0.25L); }, [](double x) { return x >= 0; }, 1e6},
     {"negate", ZorWBNegate, [](long double x) { return -x; }, Everywhere, 10.0},
+    {"scale by 0.1", [](const ZorWBRoundedInterval& a) { return ZorWBScale(a, 0.1); },
+     [](long double x) { return x * static_cast<long double>(0.1); }, Everywhere, 1e10},
+    {"scale by -3", [](const ZorWBRoundedInterval& a) { return ZorWBScale(a, -3.0); },
+     [](long double x) { return x * -3.0L; }, Everywhere, 1e10},
 };
 
 struct BinaryCase {
