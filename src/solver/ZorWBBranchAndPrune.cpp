@@ -1,3 +1,8 @@
+// One worker's examination of a cell: contraction (propagation, Newton,
+// linear relaxation, shaving), proof, classification, split. Everything a
+// cell does depends on its box alone (no state is kept between cells but
+// scratch), so that any worker gives the same result for the same cell.
+
 #include "solver/ZorWBBranchAndPrune.h"
 
 #include <algorithm>

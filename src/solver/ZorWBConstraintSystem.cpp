@@ -1,3 +1,10 @@
+// HC4 propagation over compiled relations. Invariant: while a propagation
+// runs, the box's intervals live in the tape's variable slots, and a
+// constraint is in the queue at most once (the queue is a ring of one entry
+// per constraint). Each revision costs one forward and one backward pass of
+// its program; the budget of revisions bounds a propagation whatever the
+// ratio. Method and budget: see the class comment in the header.
+
 #include "solver/ZorWBConstraintSystem.h"
 
 #include <algorithm>

@@ -1,3 +1,9 @@
+// Interval Newton (Hansen–Sengupta with a Gauss–Seidel sweep) and the
+// proof by inflation; the method and its theorem are in the header. The
+// midpoint Jacobian is inverted in doubles: only the preconditioner is
+// approximate, every enclosure after it is outward-rounded, so a wrong
+// inverse makes a step weaker, never unsound.
+
 #include "solver/ZorWBIntervalNewton.h"
 
 #include <algorithm>

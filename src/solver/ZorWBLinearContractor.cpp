@@ -1,3 +1,8 @@
+// The linear relaxation of a square system and its rigorous use (method and
+// proof in the header): every bound that reaches the box is recomputed from
+// the duals in outward rounding, so the floating-point simplex can err
+// without losing a zero.
+
 #include "solver/ZorWBLinearContractor.h"
 
 #include <algorithm>

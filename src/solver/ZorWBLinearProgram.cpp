@@ -1,3 +1,8 @@
+// The dense two-phase simplex of small linear programs (the method is in
+// the header). The tableau keeps the rows scaled so that the basic columns
+// are unit vectors; the objective row holds the reduced costs, whose entries
+// under the slack columns are the dual values of the rows.
+
 #include "solver/ZorWBLinearProgram.h"
 
 #include <algorithm>

@@ -1,3 +1,9 @@
+// The work queue, the workers and the depth-first replay of the search; the
+// invariant that makes the output independent of the number of workers is
+// stated in the header: the replay alone decides what is counted, kept,
+// dropped as a duplicate or left pending, and it walks the tree in the
+// order one worker would.
+
 #include "solver/ZorWBSolverSearch.h"
 
 #include <exception>

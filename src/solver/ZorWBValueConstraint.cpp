@@ -1,3 +1,8 @@
+// HC4-revise through the value functions, on one root laid out children
+// first (method in the header). Nodes are visited once per pass whatever
+// their number of parents; the passes stop at the first that narrows no
+// variable.
+
 #include "solver/ZorWBValueConstraint.h"
 
 #include <algorithm>
