@@ -38,6 +38,7 @@
 #include "expressions/ZorWBSegmentFunction.h"
 #include "expressions/ZorWBVariable.h"
 
+#include "parser/ZorWBBenchmarkReader.h"
 #include "parser/ZorWBLocation.h"
 #include "parser/ZorWBModel.h"
 #include "parser/ZorWBModelCheck.h"
@@ -64,6 +65,9 @@
 #include "symbolic/ZorWBSymbolicTransformations.h"
 #include "symbolic/ZorWBSymbolicTransformationsNew.h"
 #include "symbolic/ZorWBSymbolicTransformationsOld.h"
+
+#include "solver/ZorWBPropagator.h"
+#include "solver/ZorWBSolver.h"
 
 #include "debug/ZorWBDebug.h"
 

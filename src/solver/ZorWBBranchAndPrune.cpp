@@ -167,6 +167,7 @@ bool ZorWBBranchAndPrune::Shave(ZorWBDomainBox& box) {
     const std::vector<double> score = SplitScores(box);
     std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return score[a] > score[b]; });
     for (int v : order) {
+        if (IsLate()) return true;
         if (!ShaveVariable(box, v)) return false;
     }
     return true;
@@ -174,7 +175,7 @@ bool ZorWBBranchAndPrune::Shave(ZorWBDomainBox& box) {
 
 bool ZorWBBranchAndPrune::Contract(ZorWBDomainBox& box, bool& proved, ZorWBDomainBox& provingBox) {
     ZorWBPropagationReport report;
-    for (int round = 0; round < 8; ++round) {
+    for (int round = 0; round < 8 && !IsLate(); ++round) {
         if (!_kept->Propagate(box, _settings, report)) return false;
         if (_newton) {
             const ZorWBDomainBox before = box;
@@ -333,7 +334,21 @@ void ZorWBBranchAndPrune::Split(const ZorWBDomainBox& box, int variable, double 
     result.children.push_back(std::move(right));
 }
 
-ZorWBCellResult ZorWBBranchAndPrune::Examine(const ZorWBDomainBox& cell) {
+bool ZorWBBranchAndPrune::IsLate() {
+    if (!_late && _deadline) _late = std::chrono::steady_clock::now() > *_deadline;
+    return _late;
+}
+
+ZorWBCellResult ZorWBBranchAndPrune::Examine(
+    const ZorWBDomainBox& cell, const std::chrono::steady_clock::time_point* deadline) {
+    _deadline = deadline;
+    _late = false;
+    ZorWBCellResult result = ExamineCell(cell);
+    result.late = _late;
+    return result;
+}
+
+ZorWBCellResult ZorWBBranchAndPrune::ExamineCell(const ZorWBDomainBox& cell) {
     ZorWBCellResult result;
     ZorWBDomainBox box = cell;
     bool proved = false;

@@ -1,6 +1,7 @@
 #ifndef ZORWB_BRANCHANDPRUNE_H
 #define ZORWB_BRANCHANDPRUNE_H
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,6 +41,9 @@ struct ZorWBCellResult {
     std::vector<Output> outputs;
     std::vector<ZorWBDomainBox> children;  // none, or the two halves, left first
     bool proved = false;
+    // The deadline passed during the examination: the result is incomplete
+    // and must not be used.
+    bool late = false;
 };
 
 // One worker of the branch and prune: its own copy of the host's equations
@@ -92,12 +96,18 @@ class ZORWBX_API ZorWBBranchAndPrune {
     // domain, when that proves the system inconsistent.
     bool PropagateRoot(ZorWBDomainBox& initial, ZorWBDomainBox& root, int& emptyingEquation);
 
-    ZorWBCellResult Examine(const ZorWBDomainBox& cell);
+    // Examines a cell; with a deadline, gives up (result late) once it has
+    // passed, checking between the steps of the contraction.
+    ZorWBCellResult Examine(const ZorWBDomainBox& cell,
+                            const std::chrono::steady_clock::time_point* deadline = nullptr);
 
   private:
+    ZorWBCellResult ExamineCell(const ZorWBDomainBox& cell);
     bool Contract(ZorWBDomainBox& box, bool& proved, ZorWBDomainBox& provingBox);
     bool PropagateFrom(ZorWBDomainBox& box, int variable);
     bool Shave(ZorWBDomainBox& box);
+    // Whether the deadline of the examination has passed (remembered).
+    bool IsLate();
     bool ShaveVariable(ZorWBDomainBox& box, int variable);
     // What makes a variable worth splitting or shaving first: its relative
     // smear when a Jacobian of the cell is at hand, else its width.
@@ -124,6 +134,8 @@ class ZORWBX_API ZorWBBranchAndPrune {
     int _nbOfEqualities = 0;
     bool _valid = false;
     bool _jacobianFresh = false;  // the Newton Jacobian is of the current cell
+    const std::chrono::steady_clock::time_point* _deadline = nullptr;
+    bool _late = false;
 };
 
 #endif

@@ -33,6 +33,11 @@ double ZorWBSolverSearch::Elapsed() const {
 void ZorWBSolverSearch::Run(const ZorWBDomainBox& root, std::vector<ZorWBSolverBox>& boxes,
                             ZorWBSolverStatistics& statistics) {
     _start = _lastProgress = std::chrono::steady_clock::now();
+    if (_problem.options.timeout > 0.0) {
+        _deadline.reset(new std::chrono::steady_clock::time_point(
+            _start + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                         std::chrono::duration<double>(_problem.options.timeout))));
+    }
     _ready.emplace("", root);
     _replay.push_back({"", root});
     std::vector<std::thread> threads;
@@ -67,13 +72,14 @@ void ZorWBSolverSearch::Work(int worker) {
         lock.unlock();
         ZorWBCellResult result;
         try {
-            result = _workers[worker]->Examine(cell.mapped());
+            result = _workers[worker]->Examine(cell.mapped(), _deadline.get());
         } catch (const std::exception&) {
             // Out of memory: the cell is kept whole, nothing is lost.
             result = ZorWBCellResult();
             result.outputs.push_back({ZorWBBoxType::Unknown, cell.mapped(), ZorWBDomainBox()});
         }
-        const bool late = _problem.options.timeout > 0.0 && Elapsed() > _problem.options.timeout;
+        const bool late =
+            result.late || (_problem.options.timeout > 0.0 && Elapsed() > _problem.options.timeout);
         lock.lock();
         if (late) Stop(ZorWBStopReason::Time);
         if (!_finished) Deliver(cell.key(), std::move(result));

@@ -77,6 +77,9 @@ class ZorWBSolverSearch {
     ZorWBSolverStatistics _statistics;
     bool _finished = false;
     std::chrono::steady_clock::time_point _start;
+    // The time limit as a point in time, when there is one: a cell examined
+    // past it is given up and left pending.
+    std::unique_ptr<std::chrono::steady_clock::time_point> _deadline;
     std::chrono::steady_clock::time_point _lastProgress;
 };
 
