@@ -138,8 +138,11 @@ class Scanner {
             while (IsDigit(*_p))
                 text += Take();
         }
+        // The characters after an exponent mark are read only when there is
+        // one (the mark is not the end of the text).
+        if (*_p != 'e' && *_p != 'E') return;
         const bool sign = _p[1] == '+' || _p[1] == '-';
-        if ((*_p == 'e' || *_p == 'E') && (IsDigit(_p[1]) || (sign && IsDigit(_p[2])))) {
+        if (IsDigit(_p[1]) || (sign && IsDigit(_p[2]))) {
             text += Take();
             if (sign) text += Take();
             while (IsDigit(*_p))
