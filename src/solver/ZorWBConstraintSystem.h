@@ -39,10 +39,10 @@ struct ZorWBPropagationReport {
 // are left out) is compiled onto one shared ZorWBConstraintTape when its
 // root allows, so that equal sub-expressions of different equations share
 // their slots, and otherwise kept as a ZorWBValueConstraint that goes
-// through the value functions. Each variable knows the constraints that
-// read it, from the graph's parent lists (through the variables of each
-// root's subgraph), so that a propagation started from a few variables
-// revisits only the equations above them.
+// through the value functions. Each variable knows the constraints whose
+// root's subgraph holds it (found once, at compilation), so that a
+// propagation started from a few variables revisits only the equations
+// above them.
 //
 // Propagation: a first-in first-out queue of constraints, each revised in
 // turn (HC4-revise: the root evaluated on the domains, narrowed to what the
