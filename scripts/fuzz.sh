@@ -5,7 +5,7 @@
 # The targets are built with clang, AddressSanitizer and
 # UndefinedBehaviorSanitizer in build-sanitize (the test command's sanitizer
 # build) unless ZORWBX_FUZZ_BUILD names another build directory.
-# Usage: scripts/fuzz.sh [SECONDS] [parser|values|output|symbolic|polynomial ...]
+# Usage: scripts/fuzz.sh [SECONDS] [parser|values|output|symbolic|polynomial|solver ...]
 # ZORWBX_FUZZ_SEED fixes libFuzzer's seed (the test command uses 1, so that
 # its short runs try the same inputs on every machine); 0, the default, lets
 # libFuzzer draw one. ZORWBX_FUZZ_ARGS adds libFuzzer options, for instance
@@ -17,7 +17,7 @@ cd "$(dirname "$0")/.."
 seconds=${1:-60}
 shift || true
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(parser values output symbolic polynomial)
+[ ${#targets[@]} -gt 0 ] || targets=(parser values output symbolic polynomial solver)
 build=${ZORWBX_FUZZ_BUILD:-build-sanitize}
 read -r -a extra <<<"${ZORWBX_FUZZ_ARGS:-}"
 

@@ -46,6 +46,7 @@
 #include "expressions/ZorWBSegmentFunction.h"
 #include "expressions/ZorWBVariable.h"
 
+#include "parser/ZorWBBenchmarkReader.h"
 #include "parser/ZorWBLocation.h"
 #include "parser/ZorWBModel.h"
 #include "parser/ZorWBModelCheck.h"
@@ -79,6 +80,9 @@
 #include "symbolic/ZorWBSymbolicTransformations.h"
 #include "symbolic/ZorWBSymbolicTransformationsNew.h"
 #include "symbolic/ZorWBSymbolicTransformationsOld.h"
+
+#include "solver/ZorWBPropagator.h"
+#include "solver/ZorWBSolver.h"
 
 #include "debug/ZorWBDebug.h"
 

@@ -106,6 +106,7 @@ TEST(WbxRobustness, EveryCommandOnFilesItCannotUse) {
         {{"html"}, {"-o", f.output + ".html"}, 2, 2, 0, 0, 2, 2, 0},
         {{"edit"}, {}, 2, 2, 0, 0, 2, 2, 0},
         {{"graph"}, {"--model", "--dot"}, 2, 2, 1, 1, 2, 2, 0},
+        {{"solve"}, {"--max-cells", "200"}, 2, 2, 2, 2, 2, 2, 3},
     };
     for (const Row& row : rows) {
         const std::pair<const std::string*, int> files[] = {
@@ -209,6 +210,16 @@ TEST(WbxRobustness, AbsurdCommandLines) {
         {{"graph", g, "--model", "--values"}, 2},
         {{"graph", g, "--model", "--out", f.missing + "/deeper"}, 2},
         {{"graph", g, "--model", "--dot", "--model"}, 0},
+        {{"solve", g, g}, 2},
+        {{"solve", g, "--eps", "-1e-8"}, 2},
+        {{"solve", g, "--eps", "1e999"}, 2},
+        {{"solve", g, "--timeout", "inf"}, 2},
+        {{"solve", g, "--max-cells", "-3"}, 2},
+        {{"solve", g, "--max-cells", "99999999999999999999"}, 2},
+        {{"solve", g, "--max-solutions", "x"}, 2},
+        {{"solve", g, "--threads", "-1"}, 2},
+        {{"solve", g, "--set", "x=[2, 1]"}, 2},
+        {{"solve", g, "--max-cells", "50", "--threads", "2", "--json", "--json"}, 3},
     };
     for (const Case& c : cases)
         Check(c);

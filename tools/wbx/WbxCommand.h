@@ -11,6 +11,7 @@ namespace WbxExit {
 constexpr int Success = 0;
 constexpr int Failure = 1;  // diagnostics found, relation violated, replay differs
 constexpr int Usage = 2;    // bad command line, unreadable file, bad value
+constexpr int Limit = 3;    // a limit stopped the search before its end (solve)
 }  // namespace WbxExit
 
 // What a command sees: its arguments (after the command name), the two
@@ -46,6 +47,7 @@ int WbxTransformCommand(WbxContext& context);
 int WbxReplayCommand(WbxContext& context);
 int WbxHtmlCommand(WbxContext& context);
 int WbxEditCommand(WbxContext& context);
+int WbxSolveCommand(WbxContext& context);
 
 // The tool's entry point, callable in-process by tests (which may give wbx
 // edit its input).

@@ -43,6 +43,11 @@ const WbxCommand Commands[] = {
     {"edit", "wbx edit FILE",
      "edits the equations by statements, with undo and redo (help lists the commands)",
      WbxEditCommand},
+    {"solve",
+     "wbx solve FILE [--set NAME=VALUE]... [--eps E] [--timeout SECONDS] [--max-cells N] "
+     "[--max-solutions N] [--threads N] [--json]",
+     "finds boxes holding every solution of the relations, and proves the solutions",
+     WbxSolveCommand},
 };
 
 int ShowHelp(WbxContext& context) {
