@@ -9,6 +9,7 @@
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBVariable.h"
+#include "solver/ZorWBRoundedInterval.h"
 
 // Random systems built around a known point: each equation is a sum of
 // random terms minus the value the sum takes at the point, so the point
@@ -32,6 +33,16 @@ struct PlantedSystemOptions {
     // max, modulo, sign, if-then-else).
     bool valueOperators = false;
     int terms = 3;
+
+    // 1 to 4 equalities in as many variables, exact for even seeds, of 2 to
+    // 4 terms.
+    static PlantedSystemOptions Square(unsigned int seed) {
+        PlantedSystemOptions options;
+        options.variables = options.equalities = 1 + seed % 4;
+        options.exact = seed % 2 == 0;
+        options.terms = 2 + seed % 3;
+        return options;
+    }
 };
 
 class PlantedSystem {
@@ -56,6 +67,17 @@ class PlantedSystem {
             double low = point[i] - Uniform(0.0, spread), high = point[i] + Uniform(0.0, spread);
             variables[i]->SetExprValue(ZorWBValue(ZorWBRealInterval{low, high}));
         }
+    }
+
+    // A random box holding the point, each side reaching up to a spread
+    // drawn between fewest and most.
+    std::vector<ZorWBRoundedInterval> BoxAroundPoint(double fewest, double most) {
+        std::vector<ZorWBRoundedInterval> box;
+        for (double p : point) {
+            double spread = Uniform(fewest, most);
+            box.push_back({p - Uniform(0.0, spread), p + Uniform(0.0, spread)});
+        }
+        return box;
     }
 
     double Uniform(double low, double high) {

@@ -3,15 +3,20 @@
 
 #include <cmath>
 #include <fstream>
+#include <memory>
 #include <random>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
+#include "expressions/ZorWBVariable.h"
 #include "parser/ZorWBBenchmarkReader.h"
 #include "parser/ZorWBParserMessenger.h"
+#include "solver/ZorWBConstraintSystem.h"
 #include "solver/ZorWBRoundedInterval.h"
+#include "solver/ZorWBSquareSystem.h"
 
 // Random intervals and points for the solver's property tests.
 class IntervalSampler {
@@ -56,6 +61,44 @@ class IntervalSampler {
 inline bool Holds(const ZorWBRoundedInterval& interval, long double x) {
     return interval.low <= x && x <= interval.high;
 }
+
+inline void SetInterval(ZorWBVariable* variable, double low, double high) {
+    variable->SetExprValue(ZorWBValue(ZorWBRealInterval{low, high}));
+}
+
+// x^2 + y^2 = 1 and x = y (x and y the factory's first variables): two
+// zeros, (r, r) and (-r, -r) with r = sqrt(1/2).
+inline void CircleAndDiagonal(ZorWBFactory& f) {
+    ZorWBVariable* x = f.CreateVariable();
+    ZorWBVariable* y = f.CreateVariable();
+    f.AddEquation(f.CreateSum(f.CreatePower(x, 2), f.CreatePower(y, 2)), ZorWBEqualZero,
+                  f.GetOne());
+    f.AddEquation(x, ZorWBEqualZero, y);
+}
+
+// Every equation of a factory, all equalities, as one square system whose
+// unknowns are all the variables (invalid when they are not as many).
+class FactorySquareSystem {
+  public:
+    explicit FactorySquareSystem(ZorWBFactory& factory) {
+        std::vector<ZorWBEquation*> equations;
+        std::vector<int> rows, unknowns;
+        for (int i = 0; i < factory.GetNbOfEquations(); ++i) {
+            equations.push_back(factory.GetEquation(i));
+            rows.push_back(i);
+        }
+        for (int v = 0; v < factory.GetNbOfVariables(); ++v)
+            unknowns.push_back(v);
+        _constraints = std::make_unique<ZorWBConstraintSystem>(factory, equations);
+        _system = std::make_unique<ZorWBSquareSystem>(factory, *_constraints, rows, unknowns);
+    }
+
+    ZorWBSquareSystem& Get() { return *_system; }
+
+  private:
+    std::unique_ptr<ZorWBConstraintSystem> _constraints;
+    std::unique_ptr<ZorWBSquareSystem> _system;
+};
 
 // Reads a benchmark problem of tests/solver/data into a factory; false when
 // it does not read.

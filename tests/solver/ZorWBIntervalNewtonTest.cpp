@@ -7,41 +7,22 @@
 #include <memory>
 
 #include "PlantedSystem.h"
+#include "SolverTestSupport.h"
 #include "solver/ZorWBIntervalNewton.h"
 
 namespace {
 
-// The equations of a factory, all equalities, with every variable unknown.
+// A factory's square system and its interval Newton.
 struct Square {
-    explicit Square(ZorWBFactory& factory) {
-        std::vector<ZorWBEquation*> equations;
-        std::vector<int> rows, unknowns;
-        for (int i = 0; i < factory.GetNbOfEquations(); ++i) {
-            equations.push_back(factory.GetEquation(i));
-            rows.push_back(i);
-        }
-        for (int v = 0; v < factory.GetNbOfVariables(); ++v)
-            unknowns.push_back(v);
-        constraints.reset(new ZorWBConstraintSystem(factory, equations));
-        system.reset(new ZorWBSquareSystem(factory, *constraints, rows, unknowns));
-        newton.reset(new ZorWBIntervalNewton(*system));
-    }
-    std::unique_ptr<ZorWBConstraintSystem> constraints;
-    std::unique_ptr<ZorWBSquareSystem> system;
+    explicit Square(ZorWBFactory& factory)
+        : whole(factory), system(&whole.Get()), newton(new ZorWBIntervalNewton(*system)) {}
+    FactorySquareSystem whole;
+    ZorWBSquareSystem* system;
     std::unique_ptr<ZorWBIntervalNewton> newton;
 };
 
 std::vector<ZorWBRoundedInterval> Box(std::initializer_list<ZorWBRoundedInterval> intervals) {
     return std::vector<ZorWBRoundedInterval>(intervals);
-}
-
-// x^2 + y^2 = 1 and x = y.
-void CircleAndDiagonal(ZorWBFactory& f) {
-    ZorWBVariable* x = f.CreateVariable();
-    ZorWBVariable* y = f.CreateVariable();
-    f.AddEquation(f.CreateSum(f.CreatePower(x, 2), f.CreatePower(y, 2)), ZorWBEqualZero,
-                  f.GetOne());
-    f.AddEquation(x, ZorWBEqualZero, y);
 }
 
 }  // namespace
@@ -92,18 +73,10 @@ TEST(IntervalNewton, KeepsAPlantedZeroAndProvesOnlyBoxesThatHoldIt) {
     int proved = 0;
     for (unsigned int seed = 0; seed < 300; ++seed) {
         ZorWBFactory f;
-        PlantedSystemOptions options;
-        options.variables = options.equalities = 1 + seed % 4;
-        options.exact = seed % 2 == 0;
-        options.terms = 2 + seed % 3;
-        PlantedSystem planted(f, seed, options);
+        PlantedSystem planted(f, seed, PlantedSystemOptions::Square(seed));
         Square square(f);
         if (!square.system->IsValid()) continue;
-        std::vector<ZorWBRoundedInterval> box;
-        for (double p : planted.point) {
-            double spread = planted.Uniform(1e-6, 0.5);
-            box.push_back({p - planted.Uniform(0.0, spread), p + planted.Uniform(0.0, spread)});
-        }
+        std::vector<ZorWBRoundedInterval> box = planted.BoxAroundPoint(1e-6, 0.5);
         for (int step = 0; step < 6; ++step) {
             ZorWBNewtonOutcome outcome = square.newton->Contract(box);
             ASSERT_NE(outcome, ZorWBNewtonOutcome::Empty) << "seed " << seed;

@@ -5,10 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <memory>
 #include <random>
 
 #include "PlantedSystem.h"
+#include "SolverTestSupport.h"
 #include "solver/ZorWBLinearContractor.h"
 
 using Result = ZorWBLinearProgram::Result;
@@ -90,30 +90,14 @@ TEST(LinearContractor, KeepsAPlantedZeroAndNarrowsTheBox) {
     int narrowed = 0;
     for (unsigned int seed = 0; seed < 300; ++seed) {
         ZorWBFactory f;
-        PlantedSystemOptions options;
-        options.variables = options.equalities = 1 + seed % 4;
-        options.exact = seed % 2 == 0;
-        options.terms = 2 + seed % 3;
-        PlantedSystem planted(f, seed, options);
-        std::vector<ZorWBEquation*> equations;
-        std::vector<int> rows, unknowns;
-        for (int i = 0; i < f.GetNbOfEquations(); ++i) {
-            equations.push_back(f.GetEquation(i));
-            rows.push_back(i);
-        }
-        for (int v = 0; v < f.GetNbOfVariables(); ++v)
-            unknowns.push_back(v);
-        ZorWBConstraintSystem constraints(f, equations);
-        ZorWBSquareSystem system(f, constraints, rows, unknowns);
-        if (!system.IsValid()) continue;
-        ZorWBLinearContractor contractor(system);
-        std::vector<ZorWBRoundedInterval> box;
+        PlantedSystem planted(f, seed, PlantedSystemOptions::Square(seed));
+        FactorySquareSystem square(f);
+        if (!square.Get().IsValid()) continue;
+        ZorWBLinearContractor contractor(square.Get());
+        std::vector<ZorWBRoundedInterval> box = planted.BoxAroundPoint(1e-4, 0.3);
         double before = 0.0, after = 0.0;
-        for (double p : planted.point) {
-            double spread = planted.Uniform(1e-4, 0.3);
-            box.push_back({p - planted.Uniform(0.0, spread), p + planted.Uniform(0.0, spread)});
-            before += box.back().Width();
-        }
+        for (const ZorWBRoundedInterval& x : box)
+            before += x.Width();
         for (int step = 0; step < 4; ++step) {
             ASSERT_TRUE(contractor.Contract(box)) << "seed " << seed;
             for (std::size_t v = 0; v < box.size(); ++v)

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "PlantedSystem.h"
+#include "SolverTestSupport.h"
 #include "solver/ZorWBConstraintSystem.h"
 #include "solver/ZorWBPropagator.h"
 #include "values/ZorWBIntervalFunctions.h"
@@ -15,10 +16,6 @@ namespace {
 
 ZorWBRealInterval IntervalOf(const ZorWBVariable* variable) {
     return variable->GetExprValue().GetAsRealInterval();
-}
-
-void SetInterval(ZorWBVariable* variable, double low, double high) {
-    variable->SetExprValue(ZorWBValue(ZorWBRealInterval{low, high}));
 }
 
 bool Holds(const ZorWBRealInterval& interval, double x) {

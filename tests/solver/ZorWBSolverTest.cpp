@@ -15,19 +15,11 @@
 
 namespace {
 
-void SetInterval(ZorWBVariable* variable, double low, double high) {
-    variable->SetExprValue(ZorWBValue(ZorWBRealInterval{low, high}));
-}
-
-// x^2 + y^2 = 1 and x = y within [-2, 2]^2: two solutions.
-void CircleAndDiagonal(ZorWBFactory& f) {
-    ZorWBVariable* x = f.CreateVariable();
-    ZorWBVariable* y = f.CreateVariable();
-    f.AddEquation(f.CreateSum(f.CreatePower(x, 2), f.CreatePower(y, 2)), ZorWBEqualZero,
-                  f.GetOne());
-    f.AddEquation(x, ZorWBEqualZero, y);
-    SetInterval(x, -2.0, 2.0);
-    SetInterval(y, -2.0, 2.0);
+// The circle and the diagonal within [-2, 2]^2: two solutions.
+void BoundedCircleAndDiagonal(ZorWBFactory& f) {
+    CircleAndDiagonal(f);
+    SetInterval(f.GetVariable(0), -2.0, 2.0);
+    SetInterval(f.GetVariable(1), -2.0, 2.0);
 }
 
 int CountOf(const ZorWBSolver& solver, ZorWBBoxType type) {
@@ -113,7 +105,7 @@ ZorWBSolverOptions Limited(long long cells) {
 
 TEST(Solver, ProvesBothSolutionsOfACircleAndALine) {
     ZorWBFactory f;
-    CircleAndDiagonal(f);
+    BoundedCircleAndDiagonal(f);
     ZorWBSolver solver(f);
     ASSERT_EQ(solver.Solve(), ZorWBSolverStatus::Complete);
     EXPECT_TRUE(solver.IsSquare());
