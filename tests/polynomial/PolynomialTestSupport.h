@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "polynomial/ZorWBPolynomial.h"
+#include "polynomial/ZorWBPolynomialGcd.h"
 
 // Generators of exact test inputs, all from a seeded std::mt19937.
 class PolynomialGenerator {
@@ -62,6 +63,13 @@ inline void PrintTo(const ZorWBRational& value, std::ostream* out) {
 }
 inline void PrintTo(const ZorWBPolynomial& value, std::ostream* out) {
     *out << value.ToText();
+}
+
+// The monic gcd, which must be computed.
+inline ZorWBPolynomial Gcd(const ZorWBPolynomial& a, const ZorWBPolynomial& b) {
+    ZorWBPolynomial g;
+    EXPECT_EQ(ZorWBPolynomialGcd::Gcd(a, b, g), ZorWBPolynomialStatus::Success);
+    return g;
 }
 
 inline ZorWBPolynomial Integers(std::initializer_list<long long> coefficients) {

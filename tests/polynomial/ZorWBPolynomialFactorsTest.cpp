@@ -3,15 +3,8 @@
 
 #include "PolynomialTestSupport.h"
 #include "polynomial/ZorWBPolynomialFactors.h"
-#include "polynomial/ZorWBPolynomialGcd.h"
 
 namespace {
-
-ZorWBPolynomial Gcd(const ZorWBPolynomial& a, const ZorWBPolynomial& b) {
-    ZorWBPolynomial g;
-    ZorWBPolynomialGcd::Gcd(a, b, g);
-    return g;
-}
 
 // A product of planted factors: distinct rational roots with
 // multiplicities, irreducible quadratics, and a random factor.

@@ -45,12 +45,6 @@ ZorWBRational SylvesterDeterminant(const ZorWBPolynomial& a, const ZorWBPolynomi
     return determinant;
 }
 
-ZorWBPolynomial Gcd(const ZorWBPolynomial& a, const ZorWBPolynomial& b) {
-    ZorWBPolynomial g;
-    EXPECT_EQ(ZorWBPolynomialGcd::Gcd(a, b, g), ZorWBPolynomialStatus::Success);
-    return g;
-}
-
 }  // namespace
 
 // With a, b coprime (Euclid's algorithm over Q, a separate path, says so),

@@ -2,16 +2,9 @@
 
 #include "PolynomialTestSupport.h"
 #include "polynomial/ZorWBPolynomialFactors.h"
-#include "polynomial/ZorWBPolynomialGcd.h"
 #include "polynomial/ZorWBRationalIntegration.h"
 
 namespace {
-
-ZorWBPolynomial Gcd(const ZorWBPolynomial& a, const ZorWBPolynomial& b) {
-    ZorWBPolynomial g;
-    ZorWBPolynomialGcd::Gcd(a, b, g);
-    return g;
-}
 
 // A rational function with known poles: a random numerator over a product
 // of powers of x - r (rational r) and of irreducible quadratics.
