@@ -1,22 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 
 #include "WbxRunner.h"
+#include "WbxTestFiles.h"
 
 namespace {
-
-std::string Example(const char* name) {
-    return std::string(ZORWBX_SOURCE_DIR) + "/examples/" + name;
-}
-
-// Writes a model file in the test's scratch folder and returns its path.
-std::string ModelFile(const std::string& name, const std::string& text) {
-    std::string path = testing::TempDir() + name;
-    std::ofstream(path) << text;
-    return path;
-}
 
 WbxRun Wbx(const std::vector<std::string>& arguments) {
     return RunWbxArguments(arguments);
@@ -26,14 +15,14 @@ WbxRun Wbx(const std::vector<std::string>& arguments) {
 
 TEST(WbxCheck, CleanFilesDiagnosticsAndUnreadableFiles) {
     for (const char* name : {"linkage.wbx", "two_statements.wbx", "conditional.wbx"}) {
-        WbxRun run = Wbx({"check", Example(name)});
+        WbxRun run = Wbx({"check", ExamplePath(name)});
         EXPECT_EQ(run.status, 0) << name << run.err;
         EXPECT_EQ(run.err, "");
     }
-    WbxRun clean = Wbx({"check", Example("two_statements.wbx")});
-    EXPECT_EQ(clean.out, Example("two_statements.wbx") + ": ok, 2 equations\n");
+    WbxRun clean = Wbx({"check", ExamplePath("two_statements.wbx")});
+    EXPECT_EQ(clean.out, ExamplePath("two_statements.wbx") + ": ok, 2 equations\n");
 
-    std::string bad = ModelFile("bad.wbx", "x = ;\ny = 3 furlong;\nz = 5 mm\n");
+    std::string bad = ScratchFile("bad.wbx", "x = ;\ny = 3 furlong;\nz = 5 mm\n");
     WbxRun diagnostics = Wbx({"check", bad});
     EXPECT_EQ(diagnostics.status, 1);
     EXPECT_EQ(diagnostics.out, "");
@@ -42,7 +31,7 @@ TEST(WbxCheck, CleanFilesDiagnosticsAndUnreadableFiles) {
                                    ":2:7: semantic error, unknown unit [code 22]\n");
 
     // What the check accepts but the factory cannot build is reported too.
-    std::string arity = ModelFile("arity.wbx", "x = 1;\n  y = sin(x, 2);\n");
+    std::string arity = ScratchFile("arity.wbx", "x = 1;\n  y = sin(x, 2);\n");
     WbxRun conversion = Wbx({"check", arity});
     EXPECT_EQ(conversion.status, 1);
     EXPECT_EQ(conversion.err,
@@ -56,15 +45,15 @@ TEST(WbxCheck, CleanFilesDiagnosticsAndUnreadableFiles) {
     EXPECT_EQ(folder.err, "wbx: cannot read '" + testing::TempDir() + "': Is a directory\n");
     EXPECT_EQ(Wbx({"check"}).status, 2);
     // The worst file decides.
-    EXPECT_EQ(Wbx({"check", Example("linkage.wbx"), bad}).status, 1);
-    EXPECT_EQ(Wbx({"check", bad, "no/such/file.wbx", Example("linkage.wbx")}).status, 2);
+    EXPECT_EQ(Wbx({"check", ExamplePath("linkage.wbx"), bad}).status, 1);
+    EXPECT_EQ(Wbx({"check", bad, "no/such/file.wbx", ExamplePath("linkage.wbx")}).status, 2);
 }
 
 TEST(WbxPrint, PrintsEquationsThatReadBackTheSame) {
-    WbxRun two = Wbx({"print", Example("two_statements.wbx")});
+    WbxRun two = Wbx({"print", ExamplePath("two_statements.wbx")});
     EXPECT_EQ(two.status, 0);
     EXPECT_EQ(two.out, "2 * x + 3 * y = 12;\nx - y <= 1;\n");
-    WbxRun linkage = Wbx({"print", Example("linkage.wbx")});
+    WbxRun linkage = Wbx({"print", ExamplePath("linkage.wbx")});
     EXPECT_EQ(linkage.status, 0);
     EXPECT_EQ(
         linkage.out.substr(0, 82),
@@ -73,21 +62,21 @@ TEST(WbxPrint, PrintsEquationsThatReadBackTheSame) {
     EXPECT_NE(linkage.out.find("py <= 500.0;\n"), std::string::npos);               // 0.5 m
     // Printing the printed text again changes nothing.
     for (const char* name : {"linkage.wbx", "two_statements.wbx", "conditional.wbx"}) {
-        WbxRun first = Wbx({"print", Example(name)});
-        std::string again = ModelFile(std::string("again_") + name, first.out);
+        WbxRun first = Wbx({"print", ExamplePath(name)});
+        std::string again = ScratchFile(std::string("again_") + name, first.out);
         WbxRun second = Wbx({"print", again});
         EXPECT_EQ(second.status, 0) << second.err;
         EXPECT_EQ(second.out, first.out) << name;
     }
     EXPECT_EQ(Wbx({"print"}).status, 2);
-    EXPECT_EQ(Wbx({"print", Example("linkage.wbx"), Example("linkage.wbx")}).status, 2);
-    WbxRun bad = Wbx({"print", ModelFile("print_bad.wbx", "x = ;\n")});
+    EXPECT_EQ(Wbx({"print", ExamplePath("linkage.wbx"), ExamplePath("linkage.wbx")}).status, 2);
+    WbxRun bad = Wbx({"print", ScratchFile("print_bad.wbx", "x = ;\n")});
     EXPECT_EQ(bad.status, 2);
     EXPECT_EQ(bad.out, "");
 }
 
 TEST(WbxEval, RelationsValuesAndExitStatus) {
-    std::string two = Example("two_statements.wbx");
+    std::string two = ExamplePath("two_statements.wbx");
     WbxRun holds = Wbx({"eval", two, "--set", "x=3", "--set", "y=2"});
     EXPECT_EQ(holds.status, 0);
     EXPECT_EQ(holds.out, "eq0: 0 = 0 -> true\neq1: 0 <= 0 -> true\n");
@@ -102,14 +91,14 @@ TEST(WbxEval, RelationsValuesAndExitStatus) {
     WbxRun enumeration = Wbx({"eval", two, "--set", "x={3, 4}", "--set", "y=2"});
     EXPECT_EQ(enumeration.out, "eq0: {0, 2} = 0 -> unknown\neq1: {0, 1} <= 0 -> unknown\n");
 
-    std::string conditional = Example("conditional.wbx");
+    std::string conditional = ExamplePath("conditional.wbx");
     EXPECT_EQ(Wbx({"eval", conditional, "--set", "t=2.5", "--set", "c=5", "--set", "w=12"}).out,
               "eq0: 0 = 0 -> true\neq1: -1 <= 0 -> true\n");
     WbxRun thick = Wbx({"eval", conditional, "--set", "t=4", "--set", "c=5", "--set", "w=12"});
     EXPECT_EQ(thick.status, 1);
     EXPECT_EQ(thick.out, "eq0: -3 = 0 -> false\neq1: -1 <= 0 -> true\n");
 
-    std::string linkage = Example("linkage.wbx");
+    std::string linkage = ExamplePath("linkage.wbx");
     WbxRun arm = Wbx({"eval", linkage, "--set", "a1=0.5", "--set", "a2=1", "--set", "px=[250, 300]",
                       "--set", "py=[350, 450]"});
     EXPECT_EQ(arm.status, 0) << arm.out;
@@ -120,21 +109,21 @@ TEST(WbxEval, RelationsValuesAndExitStatus) {
     EXPECT_NE(arm.out.find("eq4: 1.0 >= 0 -> true\n"), std::string::npos) << arm.out;
 
     // Other relations, and equations without one.
-    std::string kinds = ModelFile("kinds.wbx", "x != 1; x < 1; x > 1; x >= 2; x;\n");
+    std::string kinds = ScratchFile("kinds.wbx", "x != 1; x < 1; x > 1; x >= 2; x;\n");
     EXPECT_EQ(Wbx({"eval", kinds, "--set", "x=2"}).out,
               "eq0: 1 != 0 -> true\neq1: 1 < 0 -> false\neq2: 1 > 0 -> true\n"
               "eq3: 0 >= 0 -> true\neq4: 2\n");
 }
 
 TEST(WbxEval, JsonAndTheErrorWord) {
-    std::string two = Example("two_statements.wbx");
+    std::string two = ExamplePath("two_statements.wbx");
     WbxRun json = Wbx({"eval", two, "--json", "--set", "x=3", "--set", "y=[1, 2]"});
     EXPECT_EQ(json.status, 0);
     EXPECT_EQ(json.out,
               "[{\"name\": \"eq0\", \"relation\": \"=\", \"value\": \"[-3.0, 0.0]\", \"holds\": "
               "\"unknown\"},\n {\"name\": \"eq1\", \"relation\": \"<=\", \"value\": \"[0.0, "
               "1.0]\", \"holds\": \"unknown\"}]\n");
-    std::string domain = ModelFile("domain.wbx", "sqrt(x) = 1;\ny;\n");
+    std::string domain = ScratchFile("domain.wbx", "sqrt(x) = 1;\ny;\n");
     WbxRun text = Wbx({"eval", domain, "--set", "x=-4", "--set", "y=2.5"});
     EXPECT_EQ(text.status, 1);
     EXPECT_NE(text.out.find("eq1: 2.5\nerror word: 1\n"), std::string::npos) << text.out;
@@ -143,11 +132,11 @@ TEST(WbxEval, JsonAndTheErrorWord) {
                             "{\"errorWord\": 1}]\n"),
               std::string::npos)
         << word.out;
-    EXPECT_EQ(Wbx({"eval", ModelFile("empty.wbx", "/* nothing */"), "--json"}).out, "[]\n");
+    EXPECT_EQ(Wbx({"eval", ScratchFile("empty.wbx", "/* nothing */"), "--json"}).out, "[]\n");
 }
 
 TEST(WbxEval, CommandLineMistakesAreUsageErrors) {
-    std::string two = Example("two_statements.wbx");
+    std::string two = ExamplePath("two_statements.wbx");
     const std::pair<std::vector<std::string>, std::string> mistakes[] = {
         {{"eval"}, "wbx: eval needs a FILE\n"},
         {{"eval", two, "--set"}, "wbx: --set needs NAME=VALUE\n"},
@@ -180,20 +169,20 @@ TEST(WbxEval, CommandLineMistakesAreUsageErrors) {
 }
 
 TEST(WbxDiff, DerivativesOfEveryRoot) {
-    WbxRun two = Wbx({"diff", Example("two_statements.wbx"), "--wrt", "y"});
+    WbxRun two = Wbx({"diff", ExamplePath("two_statements.wbx"), "--wrt", "y"});
     EXPECT_EQ(two.status, 0);
     EXPECT_EQ(two.out, "3; /* d eq0 / d y */\n-1; /* d eq1 / d y */\n");
-    WbxRun linkage = Wbx({"diff", Example("linkage.wbx"), "--wrt", "a2"});
+    WbxRun linkage = Wbx({"diff", ExamplePath("linkage.wbx"), "--wrt", "a2"});
     EXPECT_EQ(linkage.status, 0);
     EXPECT_EQ(linkage.out.substr(0, linkage.out.find('\n')),
               "-1 * (250 * -sin(a1 + a2)); /* d eq0 / d a2 */");
     // The printed derivatives are themselves a model.
-    std::string derivatives = ModelFile("derivatives.wbx", linkage.out);
+    std::string derivatives = ScratchFile("derivatives.wbx", linkage.out);
     EXPECT_EQ(Wbx({"check", derivatives}).status, 0);
 
-    EXPECT_EQ(Wbx({"diff", Example("linkage.wbx")}).status, 2);
-    EXPECT_EQ(Wbx({"diff", Example("linkage.wbx"), "--wrt"}).status, 2);
-    WbxRun unknown = Wbx({"diff", Example("linkage.wbx"), "--wrt", "q"});
+    EXPECT_EQ(Wbx({"diff", ExamplePath("linkage.wbx")}).status, 2);
+    EXPECT_EQ(Wbx({"diff", ExamplePath("linkage.wbx"), "--wrt"}).status, 2);
+    WbxRun unknown = Wbx({"diff", ExamplePath("linkage.wbx"), "--wrt", "q"});
     EXPECT_EQ(unknown.status, 2);
     EXPECT_EQ(unknown.err, "wbx: unknown variable 'q'\n");
     EXPECT_EQ(Wbx({"diff", "no/such/file.wbx", "--wrt", "x"}).status, 2);

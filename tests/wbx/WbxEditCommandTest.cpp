@@ -12,10 +12,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 
 #include "WbxRunner.h"
+#include "WbxTestFiles.h"
 
 namespace {
 
@@ -27,13 +27,6 @@ fs::path Scratch(const std::string& name, const std::string& text) {
     fs::path path = directory / name;
     std::ofstream(path) << text;
     return path;
-}
-
-std::string ReadFile(const fs::path& path) {
-    std::ifstream file(path);
-    std::stringstream content;
-    content << file.rdbuf();
-    return content.str();
 }
 
 }  // namespace

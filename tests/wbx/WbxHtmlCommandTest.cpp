@@ -11,11 +11,11 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 
 #include "PngImage.h"
 #include "WbxRunner.h"
+#include "WbxTestFiles.h"
 
 namespace {
 
@@ -32,24 +32,6 @@ const Example Examples[] = {
     {"two_statements.wbx", {"--set", "y=2", "--plot", "x=-5:5", "--plot", "y=0:1"}},
     {"conditional.wbx", {"--set", "w=20", "--set", "t=2", "--plot", "c=0:12"}},
 };
-
-std::string ExamplePath(const char* name) {
-    return std::string(ZORWBX_SOURCE_DIR) + "/examples/" + name;
-}
-
-fs::path Scratch(const std::string& name) {
-    fs::path path = fs::path(testing::TempDir()) / ("wbx_html_" + name);
-    fs::remove_all(path);
-    fs::create_directories(path);
-    return path;
-}
-
-std::string ReadFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::stringstream content;
-    content << file.rdbuf();
-    return content.str();
-}
 
 int Shell(const std::string& command) {
     int raw = std::system(command.c_str());
@@ -94,7 +76,7 @@ fs::path WritePage(const Example& example, const fs::path& directory) {
 }  // namespace
 
 TEST(WbxHtml, EveryExamplePageIsXmlWithOneMathElementPerEquationAndItsPlots) {
-    fs::path directory = Scratch("pages");
+    fs::path directory = ScratchDirectory("wbx_html_pages");
     for (const Example& example : Examples) {
         SCOPED_TRACE(example.name);
         fs::path page = WritePage(example, directory);
@@ -116,7 +98,7 @@ TEST(WbxHtml, EveryExamplePageIsXmlWithOneMathElementPerEquationAndItsPlots) {
 }
 
 TEST(WbxHtml, PlotsOfAKnownRootMarkItsZeros) {
-    fs::path directory = Scratch("zeros");
+    fs::path directory = ScratchDirectory("wbx_html_zeros");
     std::ofstream(directory / "cubic.wbx") << "x^3 - 2*x;\n";
     fs::path page = directory / "cubic.html";
     WbxRun run = RunWbxArguments(
@@ -129,7 +111,7 @@ TEST(WbxHtml, PlotsOfAKnownRootMarkItsZeros) {
 }
 
 TEST(WbxHtml, TheExamplePagesRenderInHeadlessChromium) {
-    fs::path directory = Scratch("render");
+    fs::path directory = ScratchDirectory("wbx_html_render");
     for (const Example& example : Examples) {
         SCOPED_TRACE(example.name);
         fs::path page = WritePage(example, directory);
@@ -155,7 +137,7 @@ TEST(WbxHtml, TheExamplePagesRenderInHeadlessChromium) {
 }
 
 TEST(WbxGraph, TheModelGraphOfEveryExampleIsAcceptedByDot) {
-    fs::path directory = Scratch("model_graph");
+    fs::path directory = ScratchDirectory("wbx_html_model_graph");
     for (const Example& example : Examples) {
         SCOPED_TRACE(example.name);
         WbxRun dot = RunWbx({"graph", ExamplePath(example.name).c_str(), "--model", "--dot"});

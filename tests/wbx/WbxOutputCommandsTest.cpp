@@ -4,10 +4,10 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 
 #include "WbxRunner.h"
+#include "WbxTestFiles.h"
 #include "expressions/ZorWBFactory.h"
 #include "output/ZorWBEquations.h"
 #include "qel/ZorQelStream.h"
@@ -18,26 +18,8 @@ namespace fs = std::filesystem;
 
 const char* const Examples[] = {"linkage.wbx", "two_statements.wbx", "conditional.wbx"};
 
-std::string Example(const char* name) {
-    return std::string(ZORWBX_SOURCE_DIR) + "/examples/" + name;
-}
-
 WbxRun Wbx(const std::vector<std::string>& arguments) {
     return RunWbxArguments(arguments);
-}
-
-fs::path Scratch(const std::string& name) {
-    fs::path path = fs::path(testing::TempDir()) / ("wbx_output_" + name);
-    fs::remove_all(path);
-    fs::create_directories(path);
-    return path;
-}
-
-std::string ReadFile(const fs::path& path) {
-    std::ifstream file(path);
-    std::stringstream content;
-    content << file.rdbuf();
-    return content.str();
 }
 
 int Lines(const std::string& text) {
@@ -52,7 +34,7 @@ int Lines(const std::string& text) {
 TEST(WbxJson, PrintsTheDocumentOfEveryEquationRoot) {
     for (const char* name : Examples) {
         SCOPED_TRACE(name);
-        WbxRun run = Wbx({"json", Example(name)});
+        WbxRun run = Wbx({"json", ExamplePath(name)});
         ASSERT_EQ(run.status, 0) << run.err;
         EXPECT_EQ(run.err, "");
         ASSERT_EQ(Lines(run.out), 1);
@@ -68,7 +50,7 @@ TEST(WbxJson, PrintsTheDocumentOfEveryEquationRoot) {
     }
     for (int version = 0; version < 4; ++version) {
         WbxRun run =
-            Wbx({"json", Example("two_statements.wbx"), "--version", std::to_string(version)});
+            Wbx({"json", ExamplePath("two_statements.wbx"), "--version", std::to_string(version)});
         ASSERT_EQ(run.status, 0);
         nlohmann::json document = nlohmann::json::parse(run.out);
         EXPECT_EQ(document["VersionStr"], version);
@@ -77,17 +59,17 @@ TEST(WbxJson, PrintsTheDocumentOfEveryEquationRoot) {
 }
 
 TEST(WbxJson, WritesTheSameDocumentIntoAFile) {
-    fs::path directory = Scratch("json");
+    fs::path directory = ScratchDirectory("wbx_output_json");
     std::string out = (directory / "model.json").string();
-    WbxRun printed = Wbx({"json", Example("linkage.wbx"), "--version", "1"});
-    WbxRun written = Wbx({"json", Example("linkage.wbx"), "-o", out, "--version", "1"});
+    WbxRun printed = Wbx({"json", ExamplePath("linkage.wbx"), "--version", "1"});
+    WbxRun written = Wbx({"json", ExamplePath("linkage.wbx"), "-o", out, "--version", "1"});
     ASSERT_EQ(written.status, 0) << written.err;
     EXPECT_EQ(written.out, "");
     EXPECT_EQ(ReadFile(out), printed.out);
 }
 
 TEST(WbxJson, MistakesAreReportedOnOneLine) {
-    fs::path directory = Scratch("json_bad");
+    fs::path directory = ScratchDirectory("wbx_output_json_bad");
     std::ofstream(directory / "empty.wbx") << "/* nothing */\n";
     const std::string emptyPath = (directory / "empty.wbx").string();
     WbxRun empty = Wbx({"json", emptyPath});
@@ -98,11 +80,11 @@ TEST(WbxJson, MistakesAreReportedOnOneLine) {
     EXPECT_EQ(nothingToDraw.err, "wbx: '" + emptyPath + "' holds no equation to draw\n");
     for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
              {"json"},
-             {"json", Example("linkage.wbx"), "--version", "4"},
-             {"json", Example("linkage.wbx"), "--version"},
-             {"json", Example("linkage.wbx"), "-o"},
-             {"json", Example("linkage.wbx"), "--pretty"},
-             {"json", Example("linkage.wbx"), "-o", (directory / "no" / "x.json").string()},
+             {"json", ExamplePath("linkage.wbx"), "--version", "4"},
+             {"json", ExamplePath("linkage.wbx"), "--version"},
+             {"json", ExamplePath("linkage.wbx"), "-o"},
+             {"json", ExamplePath("linkage.wbx"), "--pretty"},
+             {"json", ExamplePath("linkage.wbx"), "-o", (directory / "no" / "x.json").string()},
              {"json", "no/such/model.wbx"}}) {
         WbxRun run = Wbx(arguments);
         EXPECT_EQ(run.status, 2) << arguments.back();
@@ -114,7 +96,7 @@ TEST(WbxJson, MistakesAreReportedOnOneLine) {
 TEST(WbxJson, RefusesANameThatJsonMustEscape) {
     // The language lets a black box's name begin with a double quote; the
     // library writes names as they are, which would not be JSON.
-    fs::path directory = Scratch("json_quote");
+    fs::path directory = ScratchDirectory("wbx_output_json_quote");
     std::ofstream(directory / "quote.wbx") << "y = \"f(x) + 1;\n";
     const std::string path = (directory / "quote.wbx").string();
     const std::string out = (directory / "quote.json").string();
@@ -136,9 +118,9 @@ TEST(WbxJson, RefusesANameThatJsonMustEscape) {
 }
 
 TEST(WbxGraph, WritesOneFilePerEquationAndListsThem) {
-    fs::path directory = Scratch("graph");
+    fs::path directory = ScratchDirectory("wbx_output_graph");
     ::unsetenv("VTS_LOG_NAME");
-    WbxRun run = Wbx({"graph", Example("two_statements.wbx"), "--out", directory.string()});
+    WbxRun run = Wbx({"graph", ExamplePath("two_statements.wbx"), "--out", directory.string()});
     ASSERT_EQ(run.status, 0) << run.err;
     std::string first = (directory / "wbx_two_statements_E0.WBGraph").string();
     std::string second = (directory / "wbx_two_statements_E1.WBGraph").string();
@@ -149,7 +131,7 @@ TEST(WbxGraph, WritesOneFilePerEquationAndListsThem) {
     // tool leaves it as it found it.
     ::setenv("VTS_LOG_NAME", "night", 1);
     ::setenv("QRM_VTS_OUT", directory.string().c_str(), 1);
-    WbxRun logged = Wbx({"graph", Example("two_statements.wbx"), "--values"});
+    WbxRun logged = Wbx({"graph", ExamplePath("two_statements.wbx"), "--values"});
     ASSERT_EQ(logged.status, 0) << logged.err;
     std::string night = (directory / "night_two_statements_E0.WBGraph").string();
     EXPECT_EQ(logged.out.rfind(night + "\n", 0), 0u);
@@ -159,33 +141,34 @@ TEST(WbxGraph, WritesOneFilePerEquationAndListsThem) {
     ::unsetenv("QRM_VTS_OUT");
     // Two dumps of one model are the same.
     std::string before = ReadFile(first);
-    ASSERT_EQ(Wbx({"graph", Example("two_statements.wbx"), "--out", directory.string()}).status, 0);
+    ASSERT_EQ(Wbx({"graph", ExamplePath("two_statements.wbx"), "--out", directory.string()}).status,
+              0);
     EXPECT_EQ(ReadFile(first), before);
     EXPECT_EQ(std::getenv("QRM_VTS_OUT"), nullptr);
 }
 
 TEST(WbxGraph, DotOnStandardOutput) {
-    WbxRun run = Wbx({"graph", Example("linkage.wbx"), "--dot"});
+    WbxRun run = Wbx({"graph", ExamplePath("linkage.wbx"), "--dot"});
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.out.rfind("digraph WBGraph {\n", 0), 0u);
     EXPECT_EQ(run.out.substr(run.out.size() - 2), "}\n");
     for (int i = 0; i < 8; ++i)
         EXPECT_NE(run.out.find("  E" + std::to_string(i) + " [shape=Msquare"), std::string::npos)
             << i;
-    WbxRun again = Wbx({"graph", Example("linkage.wbx"), "--dot"});
+    WbxRun again = Wbx({"graph", ExamplePath("linkage.wbx"), "--dot"});
     EXPECT_EQ(again.out, run.out);
-    EXPECT_NE(Wbx({"graph", Example("linkage.wbx"), "--dot", "--values"}).out.find("\\n"),
+    EXPECT_NE(Wbx({"graph", ExamplePath("linkage.wbx"), "--dot", "--values"}).out.find("\\n"),
               std::string::npos);
 }
 
 TEST(WbxGraph, MistakesAreUsageErrors) {
-    fs::path directory = Scratch("graph_bad");
+    fs::path directory = ScratchDirectory("wbx_output_graph_bad");
     for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
              {"graph"},
-             {"graph", Example("linkage.wbx"), "--out"},
-             {"graph", Example("linkage.wbx"), "--dot", "--out", directory.string()},
-             {"graph", Example("linkage.wbx"), "--out", (directory / "missing").string()},
-             {"graph", Example("linkage.wbx"), "extra"},
+             {"graph", ExamplePath("linkage.wbx"), "--out"},
+             {"graph", ExamplePath("linkage.wbx"), "--dot", "--out", directory.string()},
+             {"graph", ExamplePath("linkage.wbx"), "--out", (directory / "missing").string()},
+             {"graph", ExamplePath("linkage.wbx"), "extra"},
              {"graph", "no/such/model.wbx", "--dot"}}) {
         WbxRun run = Wbx(arguments);
         EXPECT_EQ(run.status, 2) << arguments.back();
@@ -195,12 +178,12 @@ TEST(WbxGraph, MistakesAreUsageErrors) {
 }
 
 TEST(WbxReplayWrite, ExamplesReadBackToTheSameSections) {
-    fs::path directory = Scratch("replay");
+    fs::path directory = ScratchDirectory("wbx_output_replay");
     for (const char* name : Examples) {
         for (const char* version : {"0", "1"}) {
             SCOPED_TRACE(std::string(name) + " version " + version);
             std::string out = (directory / (std::string(name) + version + ".replay")).string();
-            WbxRun run = Wbx({"replay-write", Example(name), "-o", out, "--version", version});
+            WbxRun run = Wbx({"replay-write", ExamplePath(name), "-o", out, "--version", version});
             ASSERT_EQ(run.status, 0) << run.err;
             EXPECT_EQ(run.out, "");
             std::string text = ReadFile(out);
@@ -220,14 +203,14 @@ TEST(WbxReplayWrite, ExamplesReadBackToTheSameSections) {
         }
     }
     WbxRun defaultVersion =
-        Wbx({"replay-write", Example("two_statements.wbx"), "-o", (directory / "d").string()});
+        Wbx({"replay-write", ExamplePath("two_statements.wbx"), "-o", (directory / "d").string()});
     ASSERT_EQ(defaultVersion.status, 0);
     EXPECT_NE(ReadFile(directory / "d").find("x = undefined;\n"), std::string::npos);
     for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
-             {"replay-write", Example("linkage.wbx")},
+             {"replay-write", ExamplePath("linkage.wbx")},
              {"replay-write", "-o", (directory / "x").string()},
-             {"replay-write", Example("linkage.wbx"), "-o", (directory / "no" / "x").string()},
-             {"replay-write", Example("linkage.wbx"), "-o", "x", "--version", "2"}}) {
+             {"replay-write", ExamplePath("linkage.wbx"), "-o", (directory / "no" / "x").string()},
+             {"replay-write", ExamplePath("linkage.wbx"), "-o", "x", "--version", "2"}}) {
         WbxRun run = Wbx(arguments);
         EXPECT_EQ(run.status, 2);
         EXPECT_EQ(Lines(run.err), 1) << run.err;

@@ -1,26 +1,16 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 
 #include "WbxRunner.h"
-
-namespace {
-
-std::string ModelFile(const std::string& name, const std::string& text) {
-    std::string path = testing::TempDir() + name;
-    std::ofstream(path) << text;
-    return path;
-}
-
-}  // namespace
+#include "WbxTestFiles.h"
 
 TEST(WbxIntegrate, AntiDerivativesAndDefiniteIntegrals) {
-    std::string model = ModelFile("integrands.wbx",
-                                  "1 / (x^2 + 1);\n"
-                                  "y * x^2;\n"
-                                  "1 / (x^4 + 1);\n"
-                                  "1 / (x - 0.5);\n");
+    std::string model = ScratchFile("integrands.wbx",
+                                    "1 / (x^2 + 1);\n"
+                                    "y * x^2;\n"
+                                    "1 / (x^4 + 1);\n"
+                                    "1 / (x - 0.5);\n");
     WbxRun run = RunWbxArguments({"integrate", model, "--wrt", "x"});
     EXPECT_EQ(run.status, 1);  // 1 / (x^4 + 1) has no closed form here
     EXPECT_EQ(run.out,
@@ -31,7 +21,7 @@ TEST(WbxIntegrate, AntiDerivativesAndDefiniteIntegrals) {
     EXPECT_EQ(run.err, "");
     // The printed antiderivatives are a model again.
     std::string printed =
-        ModelFile("antiderivatives.wbx", run.out.substr(0, run.out.find("/* int eq2")));
+        ScratchFile("antiderivatives.wbx", run.out.substr(0, run.out.find("/* int eq2")));
     EXPECT_EQ(RunWbxArguments({"check", printed}).status, 0);
 
     WbxRun definite =
@@ -45,7 +35,7 @@ TEST(WbxIntegrate, AntiDerivativesAndDefiniteIntegrals) {
 }
 
 TEST(WbxIntegrate, CommandLineErrors) {
-    std::string model = ModelFile("integrand.wbx", "1 / (x^2 + 1);\n");
+    std::string model = ScratchFile("integrand.wbx", "1 / (x^2 + 1);\n");
     struct Case {
         std::vector<std::string> arguments;
         std::string err;
@@ -69,12 +59,12 @@ TEST(WbxIntegrate, CommandLineErrors) {
 }
 
 TEST(WbxRoots, IsolatingIntervalsAndValues) {
-    std::string model = ModelFile("polynomials.wbx",
-                                  "x^3 - 2*x = 0;\n"
-                                  "(x - 1)^3 * (x^2 + 1) = 0;\n"
-                                  "x^2 + 1;\n"
-                                  "sin(x);\n"
-                                  "x - x;\n");
+    std::string model = ScratchFile("polynomials.wbx",
+                                    "x^3 - 2*x = 0;\n"
+                                    "(x - 1)^3 * (x^2 + 1) = 0;\n"
+                                    "x^2 + 1;\n"
+                                    "sin(x);\n"
+                                    "x - x;\n");
     WbxRun run = RunWbxArguments({"roots", model, "--wrt", "x"});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out,
@@ -86,7 +76,7 @@ TEST(WbxRoots, IsolatingIntervalsAndValues) {
               "/* eq3: not a polynomial in x */\n"
               "/* eq4: zero polynomial */\n");
     EXPECT_EQ(run.err, "");
-    std::string clean = ModelFile("clean.wbx", "x^2 = 2;\n");
+    std::string clean = ScratchFile("clean.wbx", "x^2 = 2;\n");
     EXPECT_EQ(RunWbxArguments({"roots", clean, "--wrt", "x"}).status, 0);
     WbxRun unknown = RunWbxArguments({"roots", clean, "--wrt", "y"});
     EXPECT_EQ(unknown.status, 2);
@@ -94,7 +84,7 @@ TEST(WbxRoots, IsolatingIntervalsAndValues) {
 }
 
 TEST(WbxRoots, TooLargeAPolynomialGivesItsMessage) {
-    std::string model = ModelFile("huge.wbx", "(x + 1)^5000;\n");
+    std::string model = ScratchFile("huge.wbx", "(x + 1)^5000;\n");
     WbxRun run = RunWbxArguments({"roots", model, "--wrt", "x"});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out, "/* eq0: not a polynomial in x */\n");

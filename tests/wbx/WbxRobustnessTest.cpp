@@ -16,14 +16,9 @@
 #include <vector>
 
 #include "WbxRunner.h"
+#include "WbxTestFiles.h"
 
 namespace {
-
-std::string ScratchFile(const std::string& name, const std::string& bytes) {
-    std::string path = testing::TempDir() + "robust_" + name;
-    std::ofstream(path, std::ios::binary) << bytes;
-    return path;
-}
 
 std::string Garbage() {
     std::mt19937 random(7);
@@ -37,11 +32,12 @@ std::string Garbage() {
 struct Files {
     std::string missing = testing::TempDir() + "robust_no_such_file.wbx";
     std::string directory = testing::TempDir();
-    std::string empty = ScratchFile("empty.wbx", "");
-    std::string comments = ScratchFile("comments.wbx", "  /* nothing */\n\t\n/* open");
-    std::string garbage = ScratchFile("garbage.wbx", Garbage());
-    std::string malformed = ScratchFile("malformed.wbx", "x = = 3;\n((( y;\nz = 2 furlong;\nw =");
-    std::string good = ScratchFile("good.wbx", "2*x + 3*y = 12;\nx - y <= 1;\n");
+    std::string empty = ScratchFile("robust_empty.wbx", "");
+    std::string comments = ScratchFile("robust_comments.wbx", "  /* nothing */\n\t\n/* open");
+    std::string garbage = ScratchFile("robust_garbage.wbx", Garbage());
+    std::string malformed =
+        ScratchFile("robust_malformed.wbx", "x = = 3;\n((( y;\nz = 2 furlong;\nw =");
+    std::string good = ScratchFile("robust_good.wbx", "2*x + 3*y = 12;\nx - y <= 1;\n");
     std::string output = testing::TempDir() + "robust_output";
 };
 

@@ -4,21 +4,15 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <sstream>
 #include <string>
 
 #include "WbxRunner.h"
+#include "WbxTestFiles.h"
 
 namespace {
-
-std::string ScratchFile(const std::string& name, const std::string& text) {
-    std::string path = testing::TempDir() + "solve_" + name;
-    std::ofstream(path, std::ios::binary) << text;
-    return path;
-}
 
 // A circle and a line, bounded: two solutions, (4, 3) and (-3, -4).
 const char* const CircleAndLine =
@@ -35,7 +29,7 @@ std::vector<std::string> Lines(const std::string& text) {
 }  // namespace
 
 TEST(WbxSolve, PrintsOneLinePerBoxThenTheSummary) {
-    std::string path = ScratchFile("circle.wbx", CircleAndLine);
+    std::string path = ScratchFile("solve_circle.wbx", CircleAndLine);
     WbxRun run = RunWbx({"solve", path.c_str()});
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.err, "");
@@ -63,7 +57,7 @@ TEST(WbxSolve, PrintsOneLinePerBoxThenTheSummary) {
 }
 
 TEST(WbxSolve, JsonIsOneDocumentWithStatusBoxesCellsAndSeconds) {
-    std::string path = ScratchFile("circle.wbx", CircleAndLine);
+    std::string path = ScratchFile("solve_circle.wbx", CircleAndLine);
     WbxRun run = RunWbx({"solve", path.c_str(), "--json", "--threads", "2"});
     ASSERT_EQ(run.status, 0) << run.err;
     nlohmann::json document = nlohmann::json::parse(run.out);
@@ -75,7 +69,7 @@ TEST(WbxSolve, JsonIsOneDocumentWithStatusBoxesCellsAndSeconds) {
     EXPECT_GT(document["cells"].get<long long>(), 0);
     EXPECT_GE(document["seconds"].get<double>(), 0.0);
     // Unbounded ends as the real infinity markers.
-    std::string line = ScratchFile("line.wbx", "x - y = 1;\n");
+    std::string line = ScratchFile("solve_line.wbx", "x - y = 1;\n");
     WbxRun open = RunWbx({"solve", line.c_str(), "--json", "--max-cells", "3"});
     EXPECT_EQ(open.status, 3);
     nlohmann::json pending = nlohmann::json::parse(open.out);
@@ -86,8 +80,8 @@ TEST(WbxSolve, JsonIsOneDocumentWithStatusBoxesCellsAndSeconds) {
 }
 
 TEST(WbxSolve, ExitStatusTellsCompleteInfeasibleLimitAndBadInput) {
-    std::string circle = ScratchFile("circle.wbx", CircleAndLine);
-    std::string none = ScratchFile("none.wbx", "x^2 + y^2 = -1;\n");
+    std::string circle = ScratchFile("solve_circle.wbx", CircleAndLine);
+    std::string none = ScratchFile("solve_none.wbx", "x^2 + y^2 = -1;\n");
     WbxRun infeasible = RunWbx({"solve", none.c_str()});
     EXPECT_EQ(infeasible.status, 1);
     EXPECT_EQ(infeasible.out, "infeasible: no solution (eq0 empties a domain); 0 cells in " +
@@ -108,22 +102,22 @@ TEST(WbxSolve, ExitStatusTellsCompleteInfeasibleLimitAndBadInput) {
 }
 
 TEST(WbxSolve, ReadsTheBenchmarkFormat) {
-    std::string path = ScratchFile("problem.bch",
+    std::string path = ScratchFile("solve_problem.bch",
                                    "// two circles\nVariables\n  p[2] in [-10, 10];\nConstraints\n"
                                    "  p(1)^2 + p(2)^2 = 25;\n  p(1) - p(2) = 1;\nend\n");
     WbxRun run = RunWbx({"solve", path.c_str()});
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.out.substr(0, 20), "solution  p(1) = [-3");
     std::string bad =
-        ScratchFile("bad.bch", "Variables\n  x in [0, 1];\nConstraints\n  x + q = 1;\nend\n");
+        ScratchFile("solve_bad.bch", "Variables\n  x in [0, 1];\nConstraints\n  x + q = 1;\nend\n");
     WbxRun refused = RunWbx({"solve", bad.c_str()});
     EXPECT_EQ(refused.status, 2);
     EXPECT_EQ(refused.err, bad + ":4:7: unknown name 'q' [code -1]\n");
 }
 
 TEST(WbxSolve, RefusesAbsurdOptionsAndFilesWithAMessage) {
-    std::string circle = ScratchFile("circle.wbx", CircleAndLine);
-    std::string empty = ScratchFile("empty.wbx", "/* nothing */\n");
+    std::string circle = ScratchFile("solve_circle.wbx", CircleAndLine);
+    std::string empty = ScratchFile("solve_empty.wbx", "/* nothing */\n");
     const std::pair<std::vector<const char*>, const char*> cases[] = {
         {{"solve"}, "wbx: solve needs a FILE\n"},
         {{"solve", circle.c_str(), "--eps", "0"}, "wbx: bad value '0' for --eps\n"},

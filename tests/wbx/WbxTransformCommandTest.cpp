@@ -1,38 +1,16 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "WbxRunner.h"
+#include "WbxTestFiles.h"
 #include "expressions/ZorWBFactory.h"
 #include "qel/ZorQelStream.h"
 #include "symbolic/ZorWBSymbolicTransformations.h"
 #include "values/ZorWBLevel.h"
 
-namespace {
-
-std::string Example(const char* name) {
-    return std::string(ZORWBX_SOURCE_DIR) + "/examples/" + name;
-}
-
-std::string ScratchFile(const std::string& name, const std::string& text) {
-    std::string path = testing::TempDir() + name;
-    std::ofstream(path) << text;
-    return path;
-}
-
-std::string ReadText(const std::string& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-}  // namespace
-
 TEST(WbxTransform, TypicalRequestEndToEnd) {
-    WbxRun run = RunWbxArguments({"transform", Example("two_statements.wbx"), "--mode", "2"});
+    WbxRun run = RunWbxArguments({"transform", ExamplePath("two_statements.wbx"), "--mode", "2"});
     ASSERT_EQ(run.status, 0) << run.err;
     // The inequality in x alone, then the definition of y.
     EXPECT_EQ(run.out, "1.6666666666666665 * x <= 5;\n0.6666666666666666 * x + y - 4 = 0;\n");
@@ -81,7 +59,7 @@ TEST(WbxTransform, OnlyNamedEquations) {
 }
 
 TEST(WbxTransform, CommandLineMistakes) {
-    std::string two = Example("two_statements.wbx");
+    std::string two = ExamplePath("two_statements.wbx");
     struct Case {
         std::vector<std::string> arguments;
         std::string error;
@@ -112,7 +90,7 @@ TEST(WbxReplay, RecordedExamplesReplayIdentically) {
         for (const char* mode : {"2", "6", "14", "22", "31"}) {
             std::string recording = testing::TempDir() + name + "." + mode + ".rep";
             WbxRun run = RunWbxArguments(
-                {"transform", Example(name), "--mode", mode, "--replay", recording});
+                {"transform", ExamplePath(name), "--mode", mode, "--replay", recording});
             ASSERT_EQ(run.status, 0) << run.err;
             WbxRun replay = RunWbxArguments({"replay", recording});
             EXPECT_EQ(replay.status, 0) << name << " " << mode << ": " << replay.out;
@@ -120,21 +98,21 @@ TEST(WbxReplay, RecordedExamplesReplayIdentically) {
         }
     }
     std::string recording = testing::TempDir() + "only.rep";
-    ASSERT_EQ(RunWbxArguments({"transform", Example("linkage.wbx"), "--mode", "4", "--only", "eq1",
-                               "--replay", recording})
+    ASSERT_EQ(RunWbxArguments({"transform", ExamplePath("linkage.wbx"), "--mode", "4", "--only",
+                               "eq1", "--replay", recording})
                   .status,
               0);
-    EXPECT_NE(ReadText(recording).find("#!SIMPLIFY 1\neq1;\n"), std::string::npos);
+    EXPECT_NE(ReadFile(recording).find("#!SIMPLIFY 1\neq1;\n"), std::string::npos);
     EXPECT_EQ(RunWbxArguments({"replay", recording}).out, "identical\n");
 }
 
 TEST(WbxReplay, DifferencesAndUnreadableRecordings) {
     std::string recording = testing::TempDir() + "two.rep";
-    ASSERT_EQ(RunWbxArguments({"transform", Example("two_statements.wbx"), "--mode", "2",
+    ASSERT_EQ(RunWbxArguments({"transform", ExamplePath("two_statements.wbx"), "--mode", "2",
                                "--replay", recording})
                   .status,
               0);
-    std::string text = ReadText(recording);
+    std::string text = ReadFile(recording);
     std::size_t output = text.find("#!PART 2");
     ASSERT_NE(output, std::string::npos);
     std::size_t line = text.find("eq1<=", output);
@@ -148,7 +126,7 @@ TEST(WbxReplay, DifferencesAndUnreadableRecordings) {
 
     EXPECT_EQ(RunWbxArguments({"replay", "no/such/file.rep"}).err,
               "wbx: cannot read 'no/such/file.rep' as a replay\n");
-    std::string model = Example("two_statements.wbx");
+    std::string model = ExamplePath("two_statements.wbx");
     WbxRun notReplay = RunWbxArguments({"replay", model});
     EXPECT_EQ(notReplay.status, 2);
     std::string noMode = ScratchFile("nomode.rep", "#!PART 1\n#!VARIABLES 1\nReal x;\n");
