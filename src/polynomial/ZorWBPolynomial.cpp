@@ -20,22 +20,6 @@ QPoly ToGmp(const ZorWBPolynomial& p) {
     return result;
 }
 
-ZorWBPolynomial FromGmp(const QPoly& p) {
-    std::vector<ZorWBRational> coefficients;
-    coefficients.reserve(p.size());
-    for (const mpq_class& c : p)
-        coefficients.push_back(FromGmp(c));
-    return ZorWBPolynomial(std::move(coefficients));
-}
-
-ZorWBPolynomial FromGmp(const ZPoly& p) {
-    std::vector<ZorWBRational> coefficients;
-    coefficients.reserve(p.size());
-    for (const mpz_class& c : p)
-        coefficients.push_back(FromGmp(c));
-    return ZorWBPolynomial(std::move(coefficients));
-}
-
 }  // namespace ZorWBExact
 
 const char* ZorWBPolynomialStatusText(ZorWBPolynomialStatus status) {

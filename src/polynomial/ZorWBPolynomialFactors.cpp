@@ -64,6 +64,27 @@ struct Piece {
     int power;
 };
 
+// The factorisation of a non-zero p that the roots and the partial
+// fractions read: for each square-free part in order of multiplicity, x - r
+// for each of its rational roots r in increasing order, then its monic rest
+// without rational root; and lc(p), which completes the product.
+std::vector<Piece> RationalPieces(const QPoly& p, mpq_class& lead) {
+    std::vector<QPoly> parts;
+    SquareFreeParts(p, lead, parts);
+    std::vector<Piece> pieces;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (RationalPolynomials::Degree(parts[i]) < 1) continue;
+        const int multiplicity = static_cast<int>(i) + 1;
+        std::vector<mpq_class> roots;
+        QPoly rest;
+        SplitRationalRoots(parts[i], roots, rest);
+        for (const mpq_class& root : roots)
+            pieces.push_back({QPoly{-root, mpq_class(1)}, multiplicity});
+        if (!rest.empty()) pieces.push_back({rest, multiplicity});
+    }
+    return pieces;
+}
+
 // The fractions of R / D (deg R < deg D, D = product of the pieces).
 void Peel(const RationalPolynomials& polys, QPoly r, QPoly d, const std::vector<Piece>& pieces,
           std::vector<ZorWBPartialFraction>& fractions) {
@@ -120,16 +141,10 @@ ZorWBPolynomialStatus ZorWBPolynomialFactors::RationalRoots(const ZorWBPolynomia
     if (!WithinLimits(p)) return ZorWBPolynomialStatus::TooLarge;
     return Guarded([&] {
         mpq_class lead;
-        std::vector<QPoly> parts;
-        SquareFreeParts(ToGmp(p), lead, parts);
         std::vector<std::pair<mpq_class, int>> found;
-        for (std::size_t i = 0; i < parts.size(); ++i) {
-            if (RationalPolynomials::Degree(parts[i]) < 1) continue;
-            std::vector<mpq_class> values;
-            QPoly rest;
-            SplitRationalRoots(parts[i], values, rest);
-            for (const mpq_class& value : values)
-                found.emplace_back(value, static_cast<int>(i) + 1);
+        for (const Piece& piece : RationalPieces(ToGmp(p), lead)) {
+            if (RationalPolynomials::Degree(piece.base) == 1)
+                found.emplace_back(-piece.base[0], piece.power);
         }
         std::sort(found.begin(), found.end());
         std::vector<ZorWBRationalRoot> result;
@@ -157,20 +172,9 @@ ZorWBPolynomialStatus ZorWBPolynomialFactors::PartialFractions(
         if (!r.empty()) {
             Cancel(r, d);
             mpq_class lead;
-            std::vector<QPoly> parts;
-            SquareFreeParts(d, lead, parts);
+            std::vector<Piece> pieces = RationalPieces(d, lead);
             r = polys.Scale(r, 1 / lead);
             d = polys.Monic(d);
-            std::vector<Piece> pieces;
-            for (std::size_t i = 0; i < parts.size(); ++i) {
-                if (RationalPolynomials::Degree(parts[i]) < 1) continue;
-                std::vector<mpq_class> roots;
-                QPoly rest;
-                SplitRationalRoots(parts[i], roots, rest);
-                for (const mpq_class& root : roots)
-                    pieces.push_back({QPoly{-root, mpq_class(1)}, static_cast<int>(i) + 1});
-                if (!rest.empty()) pieces.push_back({rest, static_cast<int>(i) + 1});
-            }
             Peel(polys, r, d, pieces, decomposition.fractions);
         }
         result = std::move(decomposition);

@@ -9,6 +9,7 @@
 #include <gmpxx.h>
 
 #include <exception>
+#include <utility>
 #include <vector>
 
 #include "polynomial/ZorWBPolynomial.h"
@@ -102,8 +103,15 @@ inline ZorWBRational FromGmp(const mpz_class& z) {
     return r;
 }
 QPoly ToGmp(const ZorWBPolynomial& p);
-ZorWBPolynomial FromGmp(const QPoly& p);
-ZorWBPolynomial FromGmp(const ZPoly& p);
+// A dense polynomial of GMP integers or rationals (ZPoly, QPoly).
+template <class Number>
+ZorWBPolynomial FromGmp(const std::vector<Number>& p) {
+    std::vector<ZorWBRational> coefficients;
+    coefficients.reserve(p.size());
+    for (const Number& c : p)
+        coefficients.push_back(FromGmp(c));
+    return ZorWBPolynomial(std::move(coefficients));
+}
 
 }  // namespace ZorWBExact
 
