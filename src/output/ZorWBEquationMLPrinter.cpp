@@ -16,7 +16,6 @@
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBExpression.h"
 #include "expressions/ZorWBFactory.h"
-#include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBVariable.h"
 #include "output/ZorWBMathMLText.h"
 #include "output/ZorWBPrintShape.h"
@@ -175,9 +174,8 @@ struct ModelSource {
         const ZorWBBlackBox* blackBox =
             n->IsOperator() ? static_cast<const ZorWBOpNode*>(n)->GetBlackBox() : nullptr;
         if (blackBox) return blackBox->GetName();
-        const ZorWBExpressionTypeInfo* info = ZorWBGetExpressionTypeInfo(TypeOf(n));
-        if (!info) return "ERROR";
-        return *info->function ? info->function : info->name;
+        const char* name = ZorWBPrintShape::TypeCallName(TypeOf(n));
+        return name ? name : "ERROR";
     }
     static int ComparisonOf(const Node* n) {
         return n->IsOperator() ? static_cast<const ZorWBOpNode*>(n)->GetComparisonType() : 0;
@@ -518,20 +516,10 @@ class Printer {
     std::vector<Item> _pieces;
 };
 
-}  // namespace
-
-namespace {
-
-// The expression, or null (written as unprintable) when it unfolds to a
-// tree too large to write out.
-const ZorWBExpression* Printable(const ZorWBExpression* e) {
-    return ZorWBGraphWalk::IsUnfoldable(e) ? e : nullptr;
-}
-
 void AppendEquation(ZorQelString& out, const ZorWBEquation& equation) {
     out += MathText::MathOpen(true);
     Printer<FactorySource> printer(out);
-    const ZorWBExpression* root = Printable(equation.GetRoot());
+    const ZorWBExpression* root = ZorWBPrintShape::Printable(equation.GetRoot());
     const char* relation = MathText::RelationSymbol(equation.GetType());
     if (!relation) {
         bool extremum = equation.GetType() == ZorWBMinimize || equation.GetType() == ZorWBMaximize;
@@ -589,7 +577,7 @@ void AppendModelNode(ZorQelString& out, const ZorWBNode* node) {
 ZorQelString ZorWBEquationMLPrinter::Print(const ZorWBExpression* expression) {
     ZorQelString text(MathText::MathOpen(false));
     Printer<FactorySource> printer(text);
-    printer.Element(Printable(expression));
+    printer.Element(ZorWBPrintShape::Printable(expression));
     printer.Run();
     return text + MathText::MathClose();
 }

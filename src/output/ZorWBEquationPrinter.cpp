@@ -5,7 +5,6 @@
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBExpression.h"
 #include "expressions/ZorWBFactory.h"
-#include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBLanguageText.h"
 #include "expressions/ZorWBVariable.h"
 #include "output/ZorWBPrintShape.h"
@@ -303,15 +302,9 @@ const char* ExtremumComment(ZorWBEquationType type) {
     }
 }
 
-// The expression, or null (printed "?") when it unfolds to a tree too large
-// to write out.
-const ZorWBExpression* Printable(const ZorWBExpression* e) {
-    return ZorWBGraphWalk::IsUnfoldable(e) ? e : nullptr;
-}
-
 void AppendEquation(ZorQelString& out, const ZorWBEquation& equation) {
     Printer printer(out);
-    const ZorWBExpression* root = Printable(equation.GetRoot());
+    const ZorWBExpression* root = Shape::Printable(equation.GetRoot());
     const char* relation = ZorWBRelationText(equation.GetType());
     if (!relation) {
         printer.Node(root);
@@ -334,7 +327,7 @@ void AppendEquation(ZorQelString& out, const ZorWBEquation& equation) {
 ZorQelString ZorWBEquationPrinter::Print(const ZorWBExpression* expression) {
     ZorQelString text;
     Printer printer(text);
-    printer.Node(Printable(expression));
+    printer.Node(Shape::Printable(expression));
     printer.Run();
     return text;
 }

@@ -9,6 +9,7 @@
 #include "expressions/ZorWBLanguageText.h"
 #include "output/ZorWBFactoryGraph.h"
 #include "output/ZorWBGraphText.h"
+#include "output/ZorWBPrintShape.h"
 #include "parser/ZorWBModel.h"
 #include "parser/ZorWBModelPrinter.h"
 #include "parser/ZorWBNode.h"
@@ -57,9 +58,8 @@ const char* OperatorSymbol(const ZorWBOpNode& op) {
 ZorQelString OperatorLabel(const ZorWBOpNode& op) {
     if (const char* symbol = OperatorSymbol(op)) return symbol;
     if (op.GetBlackBox()) return op.GetBlackBox()->GetName() + "()";
-    const ZorWBExpressionTypeInfo* info = ZorWBGetExpressionTypeInfo(op.GetType());
-    if (!info) return "?";
-    return *info->function ? info->function : info->name;
+    const char* name = ZorWBPrintShape::TypeCallName(op.GetType());
+    return name ? name : "?";
 }
 
 const char* ShapeOf(const ZorWBNode* node) {

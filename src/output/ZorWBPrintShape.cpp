@@ -2,6 +2,7 @@
 
 #include "expressions/ZorWBBlackBoxOperator.h"
 #include "expressions/ZorWBExpression.h"
+#include "expressions/ZorWBGraphWalk.h"
 
 namespace {
 
@@ -110,7 +111,16 @@ Binding ZorWBPrintShape::NegatedBindingOf(const ZorWBExpression* e) {
 ZorQelString ZorWBPrintShape::CallName(const ZorWBExpression* e) {
     if (e->GetType() == Type::BlackBox)
         return static_cast<const ZorWBBlackBoxOperator*>(e)->GetBlackBoxName();
-    const ZorWBExpressionTypeInfo* info = ZorWBGetExpressionTypeInfo(e->GetType());
-    if (!info) return "ERROR";
+    const char* name = TypeCallName(e->GetType());
+    return name ? name : "ERROR";
+}
+
+const char* ZorWBPrintShape::TypeCallName(ZorWBExpressionType type) {
+    const ZorWBExpressionTypeInfo* info = ZorWBGetExpressionTypeInfo(type);
+    if (!info) return nullptr;
     return *info->function ? info->function : info->name;
+}
+
+const ZorWBExpression* ZorWBPrintShape::Printable(const ZorWBExpression* e) {
+    return ZorWBGraphWalk::IsUnfoldable(e) ? e : nullptr;
 }

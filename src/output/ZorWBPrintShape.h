@@ -40,6 +40,12 @@ class ZORWBX_API ZorWBPrintShape {
     // The name a call of e is written with: the black box's name, the
     // function name of the type, or the type's member name.
     static ZorQelString CallName(const ZorWBExpression* e);
+    // The name a call of a type is written with, parsed models included:
+    // its function name, or its member name; null for an unknown type.
+    static const char* TypeCallName(ZorWBExpressionType type);
+    // The expression, or null (which the printers write as a placeholder)
+    // when it unfolds to a tree too large to write out.
+    static const ZorWBExpression* Printable(const ZorWBExpression* e);
 };
 
 #endif
