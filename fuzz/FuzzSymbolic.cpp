@@ -16,6 +16,7 @@
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBVariable.h"
 #include "output/ZorWBEquationPrinter.h"
+#include "symbolic/NodeErrors.h"
 #include "symbolic/ZorWBSymbolicTransformations.h"
 #include "values/ZorWBInterval.h"
 
@@ -34,35 +35,6 @@ const ZorWBExpressionType RealTypes[] = {
     ZorWBExpressionType::Sign,    ZorWBExpressionType::Mod,        ZorWBExpressionType::Floor,
     ZorWBExpressionType::Asin,    ZorWBExpressionType::Acos,       ZorWBExpressionType::Asinh,
 };
-
-// Whether computing some node of e's subgraph reports an error. Each node
-// clears a lone domain error before it is computed, so the error word after
-// the root tells only about the nodes computed last: with the buffers reset,
-// the nodes are asked for their values children first, each request then
-// computes one node, and the word is read after each.
-bool SomeNodeFails(ZorWBFactory& f, const ZorWBExpression* e) {
-    f.ResetBuffer(nullptr);
-    const ZorWBEnvironment& environment = e->GetEnvironment();
-    std::vector<std::pair<const ZorWBExpression*, int>> stack{{e, 0}};
-    std::unordered_set<const ZorWBExpression*> done;
-    bool failed = false;
-    while (!stack.empty()) {
-        auto& [node, next] = stack.back();
-        if (next < node->GetNbOfChildren()) {
-            const ZorWBExpression* child = node->GetChild(next++);
-            if (child && !done.count(child)) stack.push_back({child, 0});
-            continue;
-        }
-        if (done.insert(node).second) {
-            environment.ClearError();
-            node->GetValue();
-            failed = failed || environment.GetError() != ZorWBError::None;
-        }
-        stack.pop_back();
-    }
-    environment.ClearError();
-    return failed;
-}
 
 // The value of e evaluated afresh (no cached value hides an error), or NaN
 // when computing some node of it reports an error.

@@ -5,10 +5,9 @@
 #include <cmath>
 #include <random>
 #include <string>
-#include <unordered_set>
-#include <utility>
 #include <vector>
 
+#include "NodeErrors.h"
 #include "debug/ZorWBDebug.h"
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
@@ -34,35 +33,6 @@ inline ZorWBVariable* NamedVariable(ZorWBFactory& f, const char* name) {
     ZorWBVariable* v = f.CreateVariable();
     v->SetName(name);
     return v;
-}
-
-// Whether computing some node of e's subgraph reports an error. Each node
-// clears a lone domain error before it is computed, so the error word after
-// the root tells only about the nodes computed last: with the buffers reset,
-// the nodes are asked for their values children first, each request then
-// computes one node, and the word is read after each.
-inline bool SomeNodeFails(ZorWBFactory& f, const ZorWBExpression* e) {
-    f.ResetBuffer(nullptr);
-    const ZorWBEnvironment& environment = e->GetEnvironment();
-    std::vector<std::pair<const ZorWBExpression*, int>> stack{{e, 0}};
-    std::unordered_set<const ZorWBExpression*> done;
-    bool failed = false;
-    while (!stack.empty()) {
-        auto& [node, next] = stack.back();
-        if (next < node->GetNbOfChildren()) {
-            const ZorWBExpression* child = node->GetChild(next++);
-            if (child && !done.count(child)) stack.push_back({child, 0});
-            continue;
-        }
-        if (done.insert(node).second) {
-            environment.ClearError();
-            node->GetValue();
-            failed = failed || environment.GetError() != ZorWBError::None;
-        }
-        stack.pop_back();
-    }
-    environment.ClearError();
-    return failed;
 }
 
 // The real value of e, or NaN when computing some node of it reports an error.
