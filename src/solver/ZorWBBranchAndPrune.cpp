@@ -17,9 +17,11 @@ namespace {
 // Where a bounded domain is cut: off the middle, so that a zero at the
 // middle of a symmetric domain does not fall on the cut.
 constexpr double SplitRatio = 0.45;
-// Newton is tried again after a step that narrowed some unknown by more than
-// this part of its width.
-constexpr double NewtonProgress = 0.1;
+// Contraction runs in at most MaxRounds rounds, and starts another round at
+// once after a step (Newton, linear relaxation, shaving) that narrowed some
+// unknown by more than RoundProgress of its width.
+constexpr int MaxRounds = 8;
+constexpr double RoundProgress = 0.1;
 // Proofs by inflation are tried on boxes whose unknowns are all narrower
 // than this part of their magnitude (plus one).
 constexpr double ProofWidth = 1e-3;
@@ -37,20 +39,6 @@ std::vector<ZorWBEquation*> EquationsAt(ZorWBFactory& factory, const std::vector
     for (int position : positions)
         equations.push_back(factory.GetEquation(position));
     return equations;
-}
-
-bool Intersects(const ZorWBDomainBox& a, const ZorWBDomainBox& b) {
-    for (int v = 0; v < a.GetSize(); ++v) {
-        if (ZorWBIntersect(a.intervals[v], b.intervals[v]).IsEmpty()) return false;
-    }
-    return true;
-}
-
-bool IsInside(const ZorWBDomainBox& inner, const ZorWBDomainBox& outer) {
-    for (int v = 0; v < inner.GetSize(); ++v) {
-        if (!ZorWBIsSubset(inner.intervals[v], outer.intervals[v])) return false;
-    }
-    return true;
 }
 
 double RelativeWidth(const ZorWBRoundedInterval& x) {
@@ -175,7 +163,7 @@ bool ZorWBBranchAndPrune::Shave(ZorWBDomainBox& box) {
 
 bool ZorWBBranchAndPrune::Contract(ZorWBDomainBox& box, bool& proved, ZorWBDomainBox& provingBox) {
     ZorWBPropagationReport report;
-    for (int round = 0; round < 8 && !IsLate(); ++round) {
+    for (int round = 0; round < MaxRounds && !IsLate(); ++round) {
         if (!_kept->Propagate(box, _settings, report)) return false;
         if (_newton) {
             const ZorWBDomainBox before = box;
@@ -187,16 +175,16 @@ bool ZorWBBranchAndPrune::Contract(ZorWBDomainBox& box, bool& proved, ZorWBDomai
                 provingBox = before;
             }
             // Newton converging: let it go on.
-            if (Progressed(before, box, _problem.unknowns, NewtonProgress)) continue;
+            if (Progressed(before, box, _problem.unknowns, RoundProgress)) continue;
         }
         if (_linear && IsNarrowerThan(box, LinearWidth)) {
             const ZorWBDomainBox before = box;
             if (!_linear->Contract(box.intervals)) return false;
-            if (Progressed(before, box, _problem.unknowns, NewtonProgress)) continue;
+            if (Progressed(before, box, _problem.unknowns, RoundProgress)) continue;
         }
         const ZorWBDomainBox before = box;
         if (!Shave(box)) return false;
-        if (!Progressed(before, box, _problem.unknowns, NewtonProgress)) return true;
+        if (!Progressed(before, box, _problem.unknowns, RoundProgress)) return true;
     }
     return true;
 }
@@ -217,9 +205,9 @@ ZorWBBoolean ZorWBBranchAndPrune::InequalitiesHold(const ZorWBDomainBox& box) {
 void ZorWBBranchAndPrune::Certify(const ZorWBDomainBox& cell, const ZorWBDomainBox& existence,
                                   const ZorWBDomainBox& uniqueness, ZorWBCellResult& result) {
     // The cell holds at most the one zero of the existence box.
-    if (!Intersects(existence, cell) || !Intersects(existence, _problem.initial)) return;
+    if (!existence.Intersects(cell) || !existence.Intersects(_problem.initial)) return;
     result.proved = true;
-    if (!IsInside(existence, _problem.initial)) {
+    if (!existence.IsInside(_problem.initial)) {
         ZorWBDomainBox part = existence;
         for (int v = 0; v < part.GetSize(); ++v)
             part.intervals[v] = ZorWBIntersect(part.intervals[v], _problem.initial.intervals[v]);

@@ -16,17 +16,9 @@
 
 namespace {
 
-bool IsRelation(ZorWBEquationType type) {
-    return type >= ZorWBEqualZero && type <= ZorWBGreaterZero;
-}
-
-bool SameInterval(const ZorWBRoundedInterval& a, const ZorWBRoundedInterval& b) {
-    return a.low == b.low && a.high == b.high;
-}
-
 // Whether a domain shrank enough to revise the constraints that read it.
 bool Shrank(const ZorWBRoundedInterval& before, const ZorWBRoundedInterval& after, double ratio) {
-    if (SameInterval(before, after)) return false;
+    if (before.IsSameAs(after)) return false;
     if (!before.IsBounded()) {
         // An infinite end that became finite, or a finite end that moved by
         // more than the ratio of its magnitude.
@@ -49,7 +41,7 @@ ZorWBConstraintSystem::ZorWBConstraintSystem(const ZorWBFactory& factory,
       _constraintsOf(static_cast<std::size_t>(factory.GetNbOfVariables())),
       _kinds(static_cast<std::size_t>(factory.GetNbOfVariables()), ZorWBDomainKind::Real) {
     for (ZorWBEquation* equation : equations) {
-        if (!equation || !equation->GetRoot() || !IsRelation(equation->GetType())) continue;
+        if (!equation || !equation->GetRoot() || !ZorWBIsRelation(equation->GetType())) continue;
         Constraint constraint;
         constraint.equationId = equation->GetId();
         constraint.relation = equation->GetType();
@@ -86,6 +78,15 @@ double ZorWBConstraintSystem::ResolveTolerance(const ZorWBPropagationSettings& s
 void ZorWBConstraintSystem::SetKinds(const std::vector<ZorWBDomainKind>& kinds) {
     for (std::size_t i = 0; i < _kinds.size() && i < kinds.size(); ++i)
         _kinds[i] = kinds[i];
+}
+
+std::vector<ZorWBValue>& ZorWBConstraintSystem::ValueDomains(const Constraint& constraint,
+                                                             const ZorWBRoundedInterval* intervals,
+                                                             const ZorWBDomainBox& box) {
+    _valueDomains.resize(static_cast<std::size_t>(GetNbOfVariables()));
+    for (int v : constraint.variables)
+        _valueDomains[v] = ZorWBDomainValue(_kinds[v], intervals[v], box.GetListed(v));
+    return _valueDomains;
 }
 
 // One propagation: the box's intervals live in the tape's variable slots
@@ -149,14 +150,7 @@ class ZorWBConstraintSystem::Run {
     }
 
     bool ReviseValues(const Constraint& constraint) {
-        std::vector<ZorWBValue>& domains = _system._valueDomains;
-        domains.resize(static_cast<std::size_t>(_system.GetNbOfVariables()));
-        static const ZorWBValue none;
-        for (int v : constraint.variables) {
-            const ZorWBValue& listed =
-                v < static_cast<int>(_box.values.size()) ? _box.values[v] : none;
-            domains[v] = ZorWBDomainValue(_system._kinds[v], _slots[v], listed);
-        }
+        std::vector<ZorWBValue>& domains = _system.ValueDomains(constraint, _slots, _box);
         if (!constraint.values->Revise(_system._environment, constraint.relation, _tolerance,
                                        domains))
             return false;
@@ -221,7 +215,7 @@ bool ZorWBConstraintSystem::Propagate(ZorWBDomainBox& box, const ZorWBPropagatio
             if (!consistent || !Shrank(_before[i], run.Slot(v), settings.ratio)) continue;
             // The revision is not revised again for what it narrowed itself,
             // but it is for what the domain's kind removed after it.
-            const bool normalized = !SameInterval(revised, run.Slot(v));
+            const bool normalized = !revised.IsSameAs(run.Slot(v));
             for (int other : _constraintsOf[v]) {
                 if (other != c || normalized) enqueue(other);
             }
@@ -238,16 +232,9 @@ bool ZorWBConstraintSystem::Propagate(ZorWBDomainBox& box, const ZorWBPropagatio
 ZorWBRoundedInterval ZorWBConstraintSystem::EvaluateRoot(int constraint,
                                                          const ZorWBDomainBox& box) {
     const Constraint& c = _constraints[constraint];
-    if (!c.IsOnTape()) {
-        _valueDomains.resize(static_cast<std::size_t>(GetNbOfVariables()));
-        static const ZorWBValue none;
-        for (int v : c.variables) {
-            const ZorWBValue& listed =
-                v < static_cast<int>(box.values.size()) ? box.values[v] : none;
-            _valueDomains[v] = ZorWBDomainValue(_kinds[v], box.intervals[v], listed);
-        }
-        return ZorWBDomainHull(c.values->Evaluate(_environment, _valueDomains));
-    }
+    if (!c.IsOnTape())
+        return ZorWBDomainHull(
+            c.values->Evaluate(_environment, ValueDomains(c, box.intervals.data(), box)));
     for (int v : c.variables)
         _slots[v] = box.intervals[v];
     if (!_tape.Evaluate(c.program, _slots.data())) return ZorWBEmptyInterval();

@@ -109,6 +109,12 @@ class ZORWBX_API ZorWBConstraintSystem {
   private:
     class Run;
 
+    // The domains of a constraint's variables as values of their kinds, for
+    // the value path: intervals by variable, listed values from box.
+    std::vector<ZorWBValue>& ValueDomains(const Constraint& constraint,
+                                          const ZorWBRoundedInterval* intervals,
+                                          const ZorWBDomainBox& box);
+
     const ZorWBEnvironment& _environment;
     ZorWBConstraintTape _tape;
     std::vector<ZorWBRoundedInterval> _slots;

@@ -43,6 +43,35 @@ bool ZorWBDomainBox::IsEmpty() const {
                        [](const ZorWBRoundedInterval& interval) { return interval.IsEmpty(); });
 }
 
+const ZorWBValue& ZorWBDomainBox::GetListed(int variable) const {
+    static const ZorWBValue none;
+    return variable >= 0 && variable < static_cast<int>(values.size()) ? values[variable] : none;
+}
+
+bool ZorWBDomainBox::Intersects(const ZorWBDomainBox& other) const {
+    if (GetSize() != other.GetSize()) return false;
+    for (int v = 0; v < GetSize(); ++v) {
+        if (ZorWBIntersect(intervals[v], other.intervals[v]).IsEmpty()) return false;
+    }
+    return true;
+}
+
+bool ZorWBDomainBox::IsInside(const ZorWBDomainBox& outer) const {
+    if (GetSize() != outer.GetSize()) return false;
+    for (int v = 0; v < GetSize(); ++v) {
+        if (!ZorWBIsSubset(intervals[v], outer.intervals[v])) return false;
+    }
+    return true;
+}
+
+void ZorWBReadDomain(const ZorWBValue& value, ZorWBDomainKind& kind, ZorWBRoundedInterval& interval,
+                     ZorWBValue& listed) {
+    kind = ZorWBDomainKindOf(value);
+    interval = ZorWBDomainHull(value);
+    if (kind == ZorWBDomainKind::Integer) interval = ZorWBIntegerHull(interval);
+    listed = kind == ZorWBDomainKind::Listed ? value : ZorWBValue();
+}
+
 ZorWBDomainKind ZorWBDomainKindOf(const ZorWBValue& value) {
     switch (value.GetType()) {
         case ZorWBIntegerType:

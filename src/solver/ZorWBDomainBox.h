@@ -24,6 +24,12 @@ struct ZORWBX_API ZorWBDomainBox {
 
     int GetSize() const { return static_cast<int>(intervals.size()); }
     bool IsEmpty() const;
+    // The listed value of a variable; undefined when the box holds none.
+    const ZorWBValue& GetListed(int variable) const;
+    // Whether every interval meets the other box's, or lies inside it (false
+    // for boxes of different sizes).
+    bool Intersects(const ZorWBDomainBox& other) const;
+    bool IsInside(const ZorWBDomainBox& outer) const;
 };
 
 // The kind of domain a value stands for: integers, integer intervals and
@@ -31,6 +37,11 @@ struct ZORWBX_API ZorWBDomainBox {
 // with listed elements and booleans listed domains, everything else (reals,
 // real intervals, fractions, undefined) real domains.
 ZORWBX_API ZorWBDomainKind ZorWBDomainKindOf(const ZorWBValue& value);
+// A value read as a domain: its kind, its hull (with integer bounds for an
+// integer domain) and, for a listed domain, the value itself (undefined for
+// the other kinds).
+ZORWBX_API void ZorWBReadDomain(const ZorWBValue& value, ZorWBDomainKind& kind,
+                                ZorWBRoundedInterval& interval, ZorWBValue& listed);
 // The hull of a value as an interval: the whole line for an undefined value,
 // [0, 1] for an unknown boolean, the empty interval for an empty one.
 ZORWBX_API ZorWBRoundedInterval ZorWBDomainHull(const ZorWBValue& value);
@@ -41,6 +52,11 @@ ZORWBX_API ZorWBValue ZorWBDomainValue(ZorWBDomainKind kind, const ZorWBRoundedI
 // The integers of an interval: its bounds rounded inward.
 ZORWBX_API ZorWBRoundedInterval ZorWBIntegerHull(const ZorWBRoundedInterval& interval);
 
+// Whether an equation type is a relation to 0 (= 0, <> 0, <= 0, < 0, >= 0,
+// > 0), which the solver takes; objectives and unset types are not.
+inline bool ZorWBIsRelation(ZorWBEquationType type) {
+    return type >= ZorWBEqualZero && type <= ZorWBGreaterZero;
+}
 // What a relation to 0 allows of its root's value, widened by the tolerance
 // where the relation's test is (= 0 allows [-t, t], <= 0 allows (-inf, t],
 // >= 0 allows [-t, +inf), < 0 and > 0 the closures of their half-lines,

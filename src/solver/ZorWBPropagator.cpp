@@ -15,10 +15,6 @@ std::vector<ZorWBEquation*> EquationsOf(const ZorWBFactory& factory) {
     return equations;
 }
 
-bool SameInterval(const ZorWBRoundedInterval& a, const ZorWBRoundedInterval& b) {
-    return a.low == b.low && a.high == b.high;
-}
-
 }  // namespace
 
 ZorWBPropagator::ZorWBPropagator(ZorWBFactory& factory) : _factory(factory) {
@@ -45,14 +41,9 @@ ZorWBDomainBox ZorWBPropagator::ReadDomains() {
     box.intervals.resize(static_cast<std::size_t>(n));
     box.values.resize(static_cast<std::size_t>(n));
     std::vector<ZorWBDomainKind> kinds(static_cast<std::size_t>(n));
-    for (int v = 0; v < n; ++v) {
-        const ZorWBValue& value = _factory.GetVariable(v)->GetExprValue();
-        kinds[v] = ZorWBDomainKindOf(value);
-        box.intervals[v] = ZorWBDomainHull(value);
-        if (kinds[v] == ZorWBDomainKind::Listed) box.values[v] = value;
-        if (kinds[v] == ZorWBDomainKind::Integer)
-            box.intervals[v] = ZorWBIntegerHull(box.intervals[v]);
-    }
+    for (int v = 0; v < n; ++v)
+        ZorWBReadDomain(_factory.GetVariable(v)->GetExprValue(), kinds[v], box.intervals[v],
+                        box.values[v]);
     _system->SetKinds(kinds);
     return box;
 }
@@ -67,7 +58,7 @@ ZorWBPropagationResult ZorWBPropagator::Run(const std::vector<int>* seeds,
     result.nbOfRevisions = report.nbOfRevisions;
     if (!result.consistent) return result;
     for (int v = 0; v < box.GetSize(); ++v) {
-        if (SameInterval(initial.intervals[v], box.intervals[v])) continue;
+        if (initial.intervals[v].IsSameAs(box.intervals[v])) continue;
         ++result.nbOfNarrowedVariables;
         _factory.GetVariable(v)->SetExprValue(
             ZorWBDomainValue(_system->GetKind(v), box.intervals[v], box.values[v]));

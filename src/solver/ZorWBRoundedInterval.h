@@ -38,6 +38,10 @@ struct ZorWBRoundedInterval {
                high < std::numeric_limits<double>::infinity();
     }
     bool Contains(double x) const { return low <= x && x <= high; }
+    // The same bounds, bit for bit but for the sign of 0.
+    bool IsSameAs(const ZorWBRoundedInterval& other) const {
+        return low == other.low && high == other.high;
+    }
     // Whether other lies inside this interval, its bounds off this one's.
     bool ContainsInInterior(const ZorWBRoundedInterval& other) const {
         return low < other.low && other.high < high;

@@ -13,10 +13,6 @@ namespace {
 
 constexpr int MaxThreads = 64;
 
-bool IsRelation(ZorWBEquationType type) {
-    return type >= ZorWBEqualZero && type <= ZorWBGreaterZero;
-}
-
 // A bound of a single variable: an inequality whose root is linear in one
 // variable.
 bool IsBound(const ZorWBEquation& equation) {
@@ -34,7 +30,7 @@ void Classify(const ZorWBFactory& factory, ZorWBSolverProblem& problem) {
     std::vector<char> present(static_cast<std::size_t>(factory.GetNbOfVariables()), 0);
     for (int i = 0; i < factory.GetNbOfEquations(); ++i) {
         const ZorWBEquation* equation = factory.GetEquation(i);
-        if (!equation->GetRoot() || !IsRelation(equation->GetType())) continue;
+        if (!equation->GetRoot() || !ZorWBIsRelation(equation->GetType())) continue;
         if (IsBound(*equation)) {
             problem.bounds.push_back(i);
             continue;
@@ -58,12 +54,8 @@ void ReadDomains(const ZorWBFactory& factory,
     problem.initial.values.resize(static_cast<std::size_t>(n));
     problem.kinds.resize(static_cast<std::size_t>(n));
     auto read = [&](int v, const ZorWBValue& value) {
-        problem.kinds[v] = ZorWBDomainKindOf(value);
-        problem.initial.intervals[v] = ZorWBDomainHull(value);
-        if (problem.kinds[v] == ZorWBDomainKind::Integer)
-            problem.initial.intervals[v] = ZorWBIntegerHull(problem.initial.intervals[v]);
-        problem.initial.values[v] =
-            problem.kinds[v] == ZorWBDomainKind::Listed ? value : ZorWBValue();
+        ZorWBReadDomain(value, problem.kinds[v], problem.initial.intervals[v],
+                        problem.initial.values[v]);
     };
     for (int v = 0; v < n; ++v)
         read(v, factory.GetVariable(v)->GetExprValue());

@@ -10,18 +10,6 @@
 #include <system_error>
 #include <thread>
 
-namespace {
-
-bool IsInside(const ZorWBDomainBox& inner, const ZorWBDomainBox& outer) {
-    if (inner.GetSize() != outer.GetSize()) return false;
-    for (int v = 0; v < inner.GetSize(); ++v) {
-        if (!ZorWBIsSubset(inner.intervals[v], outer.intervals[v])) return false;
-    }
-    return true;
-}
-
-}  // namespace
-
 ZorWBSolverSearch::ZorWBSolverSearch(const ZorWBSolverProblem& problem,
                                      std::vector<std::unique_ptr<ZorWBBranchAndPrune>>& workers)
     : _problem(problem), _workers(workers) {}
@@ -130,7 +118,7 @@ void ZorWBSolverSearch::Replay() {
 
 bool ZorWBSolverSearch::IsDuplicate(const ZorWBCellResult::Output& output) const {
     for (const Kept& kept : _kept) {
-        if (IsInside(output.box, kept.uniqueness) || IsInside(kept.existence, output.uniqueness))
+        if (output.box.IsInside(kept.uniqueness) || kept.existence.IsInside(output.uniqueness))
             return true;
     }
     return false;

@@ -27,8 +27,5 @@ ZorWBValue ZorWBSolverBox::GetValue(int variable) const {
     if (variable < 0 || variable >= GetNbOfVariables()) return ZorWBValue();
     const ZorWBDomainKind kind =
         variable < static_cast<int>(_kinds.size()) ? _kinds[variable] : ZorWBDomainKind::Real;
-    static const ZorWBValue none;
-    const ZorWBValue& listed =
-        variable < static_cast<int>(_domains.values.size()) ? _domains.values[variable] : none;
-    return ZorWBDomainValue(kind, _domains.intervals[variable], listed);
+    return ZorWBDomainValue(kind, _domains.intervals[variable], _domains.GetListed(variable));
 }
