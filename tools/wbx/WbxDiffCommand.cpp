@@ -9,9 +9,9 @@
 // diagnostics.
 
 #include "WbxCommand.h"
+#include "WbxEvaluation.h"
 #include "WbxModelFile.h"
 #include "expressions/ZorWBEquation.h"
-#include "output/ZorWBEquationPrinter.h"
 
 int WbxDiffCommand(WbxContext& context) {
     WbxVariableCommandLine line;
@@ -21,19 +21,12 @@ int WbxDiffCommand(WbxContext& context) {
     ZorWBVariable* variable = nullptr;
     if (WbxLoadVariable(context, line, file, variable) != WbxExit::Success) return WbxExit::Usage;
     ZorWBFactory& factory = file.GetFactory();
-    const std::string& name = line.name;
     int status = WbxExit::Success;
     for (int i = 0; i < factory.GetNbOfEquations(); ++i) {
         ZorWBEquation* equation = factory.GetEquation(i);
-        std::string label = std::string("d ") + equation->GetName().GetString() + " / d " + name;
-        ZorWBExpression* derivative = factory.CreateDerivative(equation->GetRoot(), variable);
-        if (derivative) {
-            context.out << ZorWBEquationPrinter::Print(derivative).GetString() << "; /* " << label
-                        << " */\n";
-        } else {
-            context.out << "/* " << label << ": none */\n";
+        if (!WbxWriteDerivative(context, factory, equation->GetRoot(), variable,
+                                equation->GetName().GetString()))
             status = WbxExit::Failure;
-        }
     }
     return status;
 }

@@ -40,10 +40,15 @@
 #include "WbxEvaluation.h"
 #include "WbxLineEditor.h"
 #include "WbxModelFile.h"
+#include "WbxValueText.h"
 #include "editor/ZorWBEditor.h"
 #include "output/ZorWBEquationPrinter.h"
 
 namespace {
+
+// What a command line may hold around its words (a line end of a file
+// written elsewhere included).
+const char* const Blanks = " \t\r";
 
 const char* const Help =
     "  list                  the equations, numbered from 1\n"
@@ -74,7 +79,7 @@ class Session {
         if (!(words >> command) || command[0] == '#') return WbxExit::Success;
         std::string rest;
         std::getline(words, rest);
-        rest = Trim(rest);
+        rest = WbxTrim(rest, Blanks);
         int variables = _factory.GetNbOfVariables();
         int status = Dispatch(command, rest);
         WbxReleaseVariables(_factory, variables);  // those the edit made
@@ -82,12 +87,6 @@ class Session {
     }
 
   private:
-    static std::string Trim(const std::string& text) {
-        std::size_t first = text.find_first_not_of(" \t\r");
-        if (first == std::string::npos) return "";
-        return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-    }
-
     int Dispatch(const std::string& command, const std::string& rest) {
         if (command == "list") return List();
         if (command == "add") return Add(rest);
@@ -173,7 +172,8 @@ class Session {
         std::string extra;
         int i = Index(text, "delete needs N", extra);
         if (i < 0) return WbxExit::Failure;
-        if (!Trim(extra).empty()) return Usage("delete needs N alone, not '" + text + "'");
+        if (!WbxTrim(extra, Blanks).empty())
+            return Usage("delete needs N alone, not '" + text + "'");
         std::string deleted = "deleted " + Numbered(i);
         return Report(_editor.Delete(i), deleted);
     }
@@ -214,16 +214,9 @@ class Session {
         if (!variable) return Usage("unknown variable '" + name + "' in diff");
         int status = WbxExit::Success;
         for (int i = 0; i < _editor.GetNbOfEquations(); ++i) {
-            std::string label = "d " + std::to_string(i + 1) + " / d " + name;
-            ZorWBExpression* derivative =
-                _factory.CreateDerivative(_editor.GetEquation(i)->GetRoot(), variable);
-            if (!derivative) {
-                _context.out << "/* " << label << ": none */\n";
+            if (!WbxWriteDerivative(_context, _factory, _editor.GetEquation(i)->GetRoot(), variable,
+                                    std::to_string(i + 1)))
                 status = WbxExit::Failure;
-                continue;
-            }
-            _context.out << ZorWBEquationPrinter::Print(derivative).GetString() << "; /* " << label
-                         << " */\n";
         }
         return status;
     }

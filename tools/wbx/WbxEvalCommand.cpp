@@ -25,11 +25,11 @@
 // variable in --set or a bad value.
 
 #include <cmath>
-#include <cstdio>
 
 #include "WbxCommand.h"
 #include "WbxEvaluation.h"
 #include "WbxModelFile.h"
+#include "WbxValueText.h"
 #include "expressions/ZorWBEquation.h"
 #include "output/ZorWBEquationPrinter.h"
 
@@ -60,28 +60,11 @@ int ReadOptions(WbxContext& context, Options& options) {
     return WbxExit::Success;
 }
 
-std::string JsonString(const std::string& text) {
-    std::string quoted = "\"";
-    for (char c : text) {
-        if (c == '"' || c == '\\') {
-            quoted += '\\';
-            quoted += c;
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned char>(c));
-            quoted += escaped;
-        } else {
-            quoted += c;
-        }
-    }
-    return quoted + "\"";
-}
-
 std::string JsonValue(const ZorWBValue& value) {
     std::string text = ZorWBEquationPrinter::PrintValue(value).GetString();
     bool number = value.GetType() == ZorWBIntegerType ||
                   (value.GetType() == ZorWBRealType && std::isfinite(value.GetAsReal()));
-    return number ? text : JsonString(text);
+    return number ? text : WbxJsonString(text);
 }
 
 }  // namespace
@@ -107,7 +90,7 @@ int WbxEvalCommand(WbxContext& context) {
         if (result.relation && (result.holds == ZorWBFalse || result.holds == ZorWBEmpty))
             status = WbxExit::Failure;
         if (options.json) {
-            context.out << (i ? ",\n " : "") << "{\"name\": " << JsonString(name)
+            context.out << (i ? ",\n " : "") << "{\"name\": " << WbxJsonString(name)
                         << ", \"relation\": \"" << WbxRelationName(type)
                         << "\", \"value\": " << JsonValue(result.value);
             if (result.relation) context.out << ", \"holds\": \"" << result.holdsText << "\"";

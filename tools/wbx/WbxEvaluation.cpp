@@ -9,12 +9,6 @@
 
 namespace {
 
-std::string Trim(const std::string& text) {
-    std::size_t first = text.find_first_not_of(" \t");
-    if (first == std::string::npos) return "";
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
 bool HasRelation(ZorWBEquationType type) {
     return type >= ZorWBEqualZero && type <= ZorWBGreaterZero;
 }
@@ -76,7 +70,7 @@ int WbxApplySetting(WbxContext& context, ZorWBFactory& factory, const std::strin
 }
 
 std::string WbxSettingName(const std::string& setting) {
-    return Trim(setting.substr(0, setting.find('=')));
+    return WbxTrim(setting.substr(0, setting.find('=')));
 }
 
 int WbxAssignVariables(WbxContext& context, ZorWBFactory& factory,
@@ -168,4 +162,17 @@ std::string WbxResultLine(const std::string& label, ZorWBEquationType type,
     else if (type != ZorWBEquationUnset)
         line += std::string(" (") + WbxRelationName(type) + ")";
     return line;
+}
+
+bool WbxWriteDerivative(WbxContext& context, ZorWBFactory& factory, ZorWBExpression* root,
+                        ZorWBVariable* variable, const std::string& label) {
+    std::string comment = "d " + label + " / d " + variable->GetName().GetString();
+    ZorWBExpression* derivative = factory.CreateDerivative(root, variable);
+    if (!derivative) {
+        context.out << "/* " << comment << ": none */\n";
+        return false;
+    }
+    context.out << ZorWBEquationPrinter::Print(derivative).GetString() << "; /* " << comment
+                << " */\n";
+    return true;
 }

@@ -8,7 +8,7 @@
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBFactory.h"
 
-// The evaluation of a system as wbx eval, wbx html and wbx edit show it.
+// What wbx eval, diff, html and edit compute on a system and show.
 
 // Gives the variables of the factory from index first on the whole real
 // line: a variable no one gave a value ranges over everything.
@@ -52,5 +52,11 @@ WbxEquationResult WbxEvaluate(const ZorWBEquation& equation);
 // relation, "LABEL: VALUE (minimize)" for an extremum.
 std::string WbxResultLine(const std::string& label, ZorWBEquationType type,
                           const WbxEquationResult& result);
+
+// Writes the derivative of root with respect to variable as a statement and
+// a comment naming it, "TEXT; /* d LABEL / d NAME */", or
+// "/* d LABEL / d NAME: none */" when it has none (false then).
+bool WbxWriteDerivative(WbxContext& context, ZorWBFactory& factory, ZorWBExpression* root,
+                        ZorWBVariable* variable, const std::string& label);
 
 #endif

@@ -22,11 +22,6 @@
 // check accepts but the factory cannot build (a function with a wrong number
 // of arguments, such as "sin(x, y)") is reported the same way, with the
 // message "conversion error, the factory cannot build this" and the code -1.
-// Writes the i-th diagnostic of a messenger as described above, SOURCE in
-// place of FILE.
-void WbxReportDiagnostic(WbxContext& context, const std::string& source,
-                         const ZorWBParserMessenger& messenger, int i);
-
 class WbxModelFile {
   public:
     WbxModelFile() = default;
@@ -56,6 +51,11 @@ class WbxModelFile {
     ZorQelListPZorWBBlackBox _blackBoxes;
     ZorWBFactory _factory;
 };
+
+// Writes the i-th diagnostic of a messenger as WbxModelFile writes its own,
+// SOURCE in place of FILE.
+void WbxReportDiagnostic(WbxContext& context, const std::string& source,
+                         const ZorWBParserMessenger& messenger, int i);
 
 // The command line FILE --wrt NAME [OPTION VALUE]... of the commands that
 // work by one variable (diff, integrate, roots).

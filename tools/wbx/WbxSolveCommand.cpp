@@ -127,12 +127,7 @@ class ProblemFile {
         ZorWBParserMessenger messenger;
         if (ZorWBBenchmarkReader::Read(text.c_str(), _benchmark, messenger) == 0)
             return WbxExit::Success;
-        int code = 0;
-        ZorWBLocation location;
-        messenger.GetError(0, code, location);
-        context.err << path << ":" << location.GetFirstLine() << ":"
-                    << location.GetFirstColumn() + 1 << ": " << messenger.GetMessage(0).GetString()
-                    << " [code " << code << "]\n";
+        WbxReportDiagnostic(context, path, messenger, 0);
         return WbxExit::Usage;
     }
     ZorWBFactory& GetFactory() { return _model ? _file.GetFactory() : _benchmark; }
@@ -179,8 +174,7 @@ int ApplySettings(WbxContext& context, ZorWBFactory& factory, ZorWBSolver& solve
 
 bool HasRelation(const ZorWBFactory& factory) {
     for (int i = 0; i < factory.GetNbOfEquations(); ++i) {
-        const ZorWBEquationType type = factory.GetEquation(i)->GetType();
-        if (type >= ZorWBEqualZero && type <= ZorWBGreaterZero) return true;
+        if (ZorWBIsRelation(factory.GetEquation(i)->GetType())) return true;
     }
     return false;
 }
@@ -191,15 +185,6 @@ std::string Number(double x, const char* infinity) {
     char text[32];
     std::to_chars_result result = std::to_chars(text, text + sizeof text, x);
     return std::string(text, result.ptr);
-}
-
-std::string JsonString(const std::string& text) {
-    std::string quoted = "\"";
-    for (char c : text) {
-        if (c == '"' || c == '\\') quoted += '\\';
-        quoted += c;
-    }
-    return quoted + "\"";
 }
 
 std::string NameOf(ZorWBFactory& factory, int v) {
@@ -231,7 +216,7 @@ void PrintJson(WbxContext& context, ZorWBFactory& factory, const ZorWBSolver& so
                     << "\", \"box\": {";
         for (int v = 0; v < box.GetNbOfVariables(); ++v) {
             const ZorWBRoundedInterval x = box.GetInterval(v);
-            context.out << (v ? ", " : "") << JsonString(NameOf(factory, v)) << ": ["
+            context.out << (v ? ", " : "") << WbxJsonString(NameOf(factory, v)) << ": ["
                         << Number(x.low, infinity) << ", " << Number(x.high, infinity) << "]";
         }
         context.out << "}}";

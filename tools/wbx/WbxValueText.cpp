@@ -2,18 +2,12 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <vector>
 
 namespace {
 
 constexpr long long LargestFiniteInteger = 2147483646;
-
-std::string Trim(const std::string& text) {
-    std::size_t first = text.find_first_not_of(" \t");
-    if (first == std::string::npos) return "";
-    std::size_t last = text.find_last_not_of(" \t");
-    return text.substr(first, last - first + 1);
-}
 
 bool IsDigit(char c) {
     return c >= '0' && c <= '9';
@@ -27,7 +21,7 @@ bool LooksLikeNumber(const std::string& text) {
 }
 
 bool ReadNumber(const std::string& raw, ZorWBValue& value) {
-    std::string text = Trim(raw);
+    std::string text = WbxTrim(raw);
     if (text.empty() || !LooksLikeNumber(text)) return false;
     const char* begin = text.c_str() + (text[0] == '+' ? 1 : 0);
     const char* end = text.c_str() + text.size();
@@ -95,7 +89,7 @@ bool ReadEnumeration(const std::string& inside, ZorWBValue& value) {
 }  // namespace
 
 bool WbxReadValue(const std::string& raw, ZorWBValue& value) {
-    std::string text = Trim(raw);
+    std::string text = WbxTrim(raw);
     if (text == "true" || text == "false") {
         value = ZorWBValue(text == "true" ? ZorWBTrue : ZorWBFalse);
         return true;
@@ -103,4 +97,27 @@ bool WbxReadValue(const std::string& raw, ZorWBValue& value) {
     if (IsEnclosed(text, '[', ']')) return ReadInterval(text.substr(1, text.size() - 2), value);
     if (IsEnclosed(text, '{', '}')) return ReadEnumeration(text.substr(1, text.size() - 2), value);
     return ReadNumber(text, value);
+}
+
+std::string WbxTrim(const std::string& text, const char* blanks) {
+    std::size_t first = text.find_first_not_of(blanks);
+    if (first == std::string::npos) return "";
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+std::string WbxJsonString(const std::string& text) {
+    std::string quoted = "\"";
+    for (char c : text) {
+        if (c == '"' || c == '\\') {
+            quoted += '\\';
+            quoted += c;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            char escaped[8];
+            std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned char>(c));
+            quoted += escaped;
+        } else {
+            quoted += c;
+        }
+    }
+    return quoted + "\"";
 }

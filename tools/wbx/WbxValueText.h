@@ -16,4 +16,11 @@
 // text.
 bool WbxReadValue(const std::string& text, ZorWBValue& value);
 
+// The text without the blanks (by default spaces and tabs) around it.
+std::string WbxTrim(const std::string& text, const char* blanks = " \t");
+
+// The text as a JSON string: in double quotes, with quotes and backslashes
+// escaped and control characters as \u00XX.
+std::string WbxJsonString(const std::string& text);
+
 #endif
