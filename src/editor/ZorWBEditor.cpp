@@ -70,6 +70,15 @@ ZorQelString ZorWBEditor::GetText() const {
     return text;
 }
 
+void ZorWBEditor::StartEdit() {
+    _diagnostics = std::make_unique<ZorWBParserMessenger>();  // the messenger cannot be cleared
+}
+
+ZorWBEditor::Entry ZorWBEditor::EntryOf(int i) const {
+    ZorWBEquation* equation = GetEquation(i);
+    return {equation->GetRoot(), equation->GetType(), equation->GetName()};
+}
+
 int ZorWBEditor::Fail(const char* message) {
     _diagnostics->ReportError(nullptr, message);
     return Failure;
@@ -110,7 +119,7 @@ void ZorWBEditor::Insert(int i, const Entry& entry) {
 
 ZorWBEditor::Entry ZorWBEditor::Erase(int i) {
     ZorWBEquation* equation = _equations[static_cast<std::size_t>(i)];
-    Entry entry{equation->GetRoot(), equation->GetType(), equation->GetName()};
+    Entry entry = EntryOf(i);
     _equations.erase(_equations.begin() + i);
     _factory.RemoveEquation(equation);
     return entry;
@@ -150,32 +159,29 @@ int ZorWBEditor::Record(const Step& step) {
 }
 
 int ZorWBEditor::Add(const char* statement) {
-    _diagnostics = std::make_unique<ZorWBParserMessenger>();
+    StartEdit();
     Step step{Kind::Add, GetNbOfEquations(), {}, {}, nullptr, {}, {}};
     if (Convert(statement, step.after) != Success) return Failure;
     return Record(step);
 }
 
 int ZorWBEditor::Replace(int i, const char* statement) {
-    _diagnostics = std::make_unique<ZorWBParserMessenger>();
+    StartEdit();
     if (!IsIndex(i)) return Fail(ZorQelString("no equation of index ").AppendInt(i));
     Step step{Kind::Replace, i, {}, {}, nullptr, {}, {}};
     if (Convert(statement, step.after) != Success) return Failure;
-    ZorWBEquation* old = GetEquation(i);
-    step.before = {old->GetRoot(), old->GetType(), old->GetName()};
+    step.before = EntryOf(i);
     return Record(step);
 }
 
 int ZorWBEditor::Delete(int i) {
-    _diagnostics = std::make_unique<ZorWBParserMessenger>();
+    StartEdit();
     if (!IsIndex(i)) return Fail(ZorQelString("no equation of index ").AppendInt(i));
-    ZorWBEquation* old = GetEquation(i);
-    return Record(
-        {Kind::Delete, i, {old->GetRoot(), old->GetType(), old->GetName()}, {}, nullptr, {}, {}});
+    return Record({Kind::Delete, i, EntryOf(i), {}, nullptr, {}, {}});
 }
 
 int ZorWBEditor::Rename(const char* oldName, const char* newName) {
-    _diagnostics = std::make_unique<ZorWBParserMessenger>();
+    StartEdit();
     ZorQelString from(oldName), to(newName);
     ZorWBVariable* variable = oldName ? _factory.GetVariable(from) : nullptr;
     if (!variable) return Fail("unknown variable '" + from + "'");
@@ -186,14 +192,14 @@ int ZorWBEditor::Rename(const char* oldName, const char* newName) {
 }
 
 int ZorWBEditor::Undo() {
-    _diagnostics = std::make_unique<ZorWBParserMessenger>();
+    StartEdit();
     if (!CanUndo()) return Fail("nothing to undo");
     Apply(_history[static_cast<std::size_t>(--_done)], false);
     return Success;
 }
 
 int ZorWBEditor::Redo() {
-    _diagnostics = std::make_unique<ZorWBParserMessenger>();
+    StartEdit();
     if (!CanRedo()) return Fail("nothing to redo");
     Apply(_history[static_cast<std::size_t>(_done++)], true);
     return Success;
@@ -214,7 +220,7 @@ ZorQelString ZorWBEditor::GetRedoName() const {
 }
 
 int ZorWBEditor::Write(const char* path) {
-    _diagnostics = std::make_unique<ZorWBParserMessenger>();
+    StartEdit();
     ZorQelString text = GetText();
     std::FILE* file = path ? std::fopen(path, "wb") : nullptr;
     bool written =

@@ -104,6 +104,10 @@ class ZORWBX_API ZorWBEditor {
         ZorQelString oldName, newName;
     };
 
+    // Drops the diagnostics of the last edit.
+    void StartEdit();
+    // What the i-th equation is made of (i an index of the list).
+    Entry EntryOf(int i) const;
     int Fail(const char* message);
     int Fail(const ZorQelString& message) { return Fail(message.GetString()); }
     bool IsIndex(int i) const { return i >= 0 && i < GetNbOfEquations(); }
