@@ -49,14 +49,14 @@ struct ZorWBPlotData {
 // so that the samples gathered near a pole do not widen it.
 //
 // Invariants: samples are sorted by x, the first at low and the last at
-// high; between two consecutive finite samples of a segment split to the
-// full depth whose values, taken within the band drawn, still differ by
-// more than JumpFraction of the y range, a gap point (y NaN) is inserted, so that jumps and poles
-// are not drawn as steep lines. A zero is reported between two consecutive finite samples of
-// opposite signs that are not such a jump (by linear interpolation, so within one sample of the
-// true zero; two samples that still differ by more than JumpFraction of the y range are a jump, not
-// a zero, whatever their signs), and at a sample that is exactly 0 whose neighbours are not.
-// Rounding makes a function cross 0 several times near a simple zero: crossings closer than
+// high. Two consecutive finite samples of a segment split to the full depth
+// that still differ (within the band drawn) by more than JumpFraction of the
+// y range are a jump: a gap point (y NaN) goes between them, so that jumps
+// and poles are not drawn as steep lines. A zero is reported between two
+// consecutive finite samples of opposite signs that are not a jump (by
+// linear interpolation, so within one sample of the true zero), and at a
+// sample that is exactly 0 whose neighbours are not. Rounding makes a
+// function cross 0 several times near a simple zero: crossings closer than
 // MergeDistance are one zero, at the middle of the first and the last.
 //
 // Cost: at most MaxSamples evaluations, and for a smooth function about
