@@ -95,7 +95,8 @@ bool DifferentiatesBack(ZorWBExpression* integrand, ZorWBExpression* antiDerivat
         };
         double expected = at(integrand, point);
         if (!std::isfinite(expected) || std::fabs(expected) > 1e6) continue;
-        double coarse = (at(antiDerivative, point + 1e-4) - at(antiDerivative, point - 1e-4)) / 2e-4;
+        double coarse =
+            (at(antiDerivative, point + 1e-4) - at(antiDerivative, point - 1e-4)) / 2e-4;
         double fine = (at(antiDerivative, point + 1e-5) - at(antiDerivative, point - 1e-5)) / 2e-5;
         if (std::fabs(coarse - fine) > 1e-4 * (1 + std::fabs(fine))) continue;  // next to a pole
         if (std::fabs(fine - expected) > 1e-4 * (1 + std::fabs(expected))) return false;

@@ -123,8 +123,7 @@ TEST(BenchmarkReader, DeepNestingAndGarbageEndInAMessage) {
     EXPECT_NE(nested.Message().find("nesting deeper than 1000 levels"), std::string::npos);
     // A number at the very end of the text (its exponent is looked for past
     // it only when there is one).
-    EXPECT_EQ(ReadText("Variables x;\nConstraints x = 1").Message(),
-              "2:18: expected ';'");
+    EXPECT_EQ(ReadText("Variables x;\nConstraints x = 1").Message(), "2:18: expected ';'");
     std::string signs = "Variables x;\nConstraints\n" + std::string(100000, '-') + "x = 1;\nend";
     EXPECT_EQ(ReadText(signs).result, ZorWBParserResult::Failure);
     // Random texts over the format's own characters: read or refused, once.
