@@ -142,7 +142,9 @@ class AnyKindGraph {
                 break;
             case 10: {
                 ZorWBExpression* arguments[] = {Pick(), Pick()};
-                node = _f.DeclareBlackBox(&_blackBox, 1 + Index(2), arguments, false);
+                node = callsBlackBoxes
+                           ? _f.DeclareBlackBox(&_blackBox, 1 + Index(2), arguments, false)
+                           : _f.CreateAtan2(arguments[0], arguments[1]);
                 break;
             }
             default:
@@ -156,6 +158,8 @@ class AnyKindGraph {
 
     std::vector<ZorWBVariable*> variables;
     std::vector<ZorWBExpression*> nodes;
+    // Off, the nodes that would call the black box are other binary nodes.
+    bool callsBlackBoxes = true;
 
   private:
     ZorWBFactory& _f;
