@@ -43,16 +43,22 @@ const char* ZorWBCompiledStatusText(ZorWBCompiledStatus status) {
 }
 
 ZorWBCompiledFunction::ZorWBCompiledFunction(int nbOfRoots, const ZorWBExpression* const* roots,
-                                             int nbOfVariables,
-                                             ZorWBVariable* const* variables) try {
+                                             int nbOfVariables, ZorWBVariable* const* variables) {
     if (nbOfRoots < 1 || !roots || !roots[0] || nbOfVariables < 0 ||
         (nbOfVariables > 0 && !variables))
         return;
     _nbOfRoots = nbOfRoots;
     _nbOfVariables = nbOfVariables;
-    Compile(roots, variables);
-} catch (const std::exception&) {
-    _compiled = false;
+    try {
+        Compile(roots, variables);
+    } catch (const std::exception&) {
+        // Memory ran short before the function was registered: nothing kept.
+        _residuals.reset();
+        _slopes.reset();
+        _jacobian.reset();
+        _intervals.reset();
+        _intervalJacobian.reset();
+    }
 }
 
 ZorWBCompiledFunction::~ZorWBCompiledFunction() {
@@ -114,7 +120,9 @@ ZorWBCompiledStatus ZorWBCompiledFunction::GetStatus() const {
 
 bool ZorWBCompiledFunction::BindSlot(int variable, const double* slot) {
     if (variable < 0 || variable >= static_cast<int>(_slots.size())) return false;
-    _slots[static_cast<std::size_t>(variable)] = slot;
+    const double*& bound = _slots[static_cast<std::size_t>(variable)];
+    _nbOfBound += (slot != nullptr) - (bound != nullptr);
+    bound = slot;
     return true;
 }
 
@@ -143,10 +151,15 @@ void ZorWBCompiledFunction::GiveCallsThePoint(const double* inputs) const {
 }
 
 bool ZorWBCompiledFunction::NeedsPoint() const {
-    return std::find(_slots.begin(), _slots.end(), nullptr) != _slots.end();
+    return _nbOfBound < _nbOfVariables;
 }
 
 void ZorWBCompiledFunction::ReadPoint(const double* point, double* inputs) const {
+    if (_nbOfVariables == 0) return;
+    if (_nbOfBound == 0) {
+        std::memcpy(inputs, point, static_cast<std::size_t>(_nbOfVariables) * sizeof(double));
+        return;
+    }
     for (std::size_t i = 0; i < _slots.size(); ++i)
         inputs[i] = _slots[i] ? *_slots[i] : point[i];
 }

@@ -137,6 +137,7 @@ class ZORWBX_API ZorWBCompiledFunction {
     int _nbOfVariables = 0;
     bool _compiled = false;
     std::vector<const double*> _slots;
+    int _nbOfBound = 0;
     std::vector<std::pair<int, ZorWBVariable*>> _variablesOfCalls;
     // Residuals; the program with slopes for the Jacobian, and its sweeps;
     // the program over values in the walk's order for the interval forms,

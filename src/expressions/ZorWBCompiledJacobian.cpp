@@ -7,47 +7,58 @@
 #include "values/ZorWBIntervalRules.h"
 
 ZorWBCompiledJacobian::ZorWBCompiledJacobian(const ZorWBRealProgram& program, int nbOfRoots) {
-    using Op = ZorWBRealProgram::Op;
-    const std::size_t registers = std::max(program._registers.size(), program._values.size());
+    using Kind = ZorWBRealProgram::SlopeKind;
+    const bool reals = program._values.empty();
+    const std::size_t registers =
+        reals ? static_cast<std::size_t>(program._slotBase) : program._values.size();
     const int inputs = program._nbOfInputs;
-    // The Slope instructions, and which registers lead to an input.
-    std::vector<int> slopes;
+    const std::vector<ZorWBRealProgram::SlopeRecord>& records = program._slopeRecords;
+    auto argument = [&program](int index) {
+        return program._arguments[static_cast<std::size_t>(index)];
+    };
+    // Where the slope of record's child k is read: with reals, the index of
+    // a register; with values, of a slot.
+    const int one = static_cast<int>(program._registers.size()) - 2;
+    auto source = [&](const ZorWBRealProgram::SlopeRecord& record, int k) {
+        switch (record.kind) {
+            case Kind::One:
+                return one;
+            case Kind::MinusOne:
+                return one + 1;
+            case Kind::OtherOperand:
+                return argument(record.first + 1 - k);
+            default:
+                return (reals ? program._slotBase : 0) + record.first + k;
+        }
+    };
+    // Which registers lead to an input; the records of each register (a
+    // node emitted twice has two).
     std::vector<char> leads(registers, 0);
     std::fill(leads.begin(), leads.begin() + inputs, 1);
-    for (std::size_t i = 0; i < program._code.size(); ++i) {
-        const ZorWBRealProgram::Instruction& in = program._code[i];
-        if (in.op != Op::Slope) continue;
-        slopes.push_back(static_cast<int>(i));
-        for (int k = 0; k < in.b; ++k) {
-            if (leads[static_cast<std::size_t>(
-                    program._arguments[static_cast<std::size_t>(in.a + k)])])
-                leads[static_cast<std::size_t>(in.dst)] = 1;
+    std::vector<int> byRegisterStarts(registers + 1, 0);
+    for (const ZorWBRealProgram::SlopeRecord& record : records) {
+        ++byRegisterStarts[static_cast<std::size_t>(record.dst) + 1];
+        for (int k = 0; k < record.count; ++k) {
+            if (leads[static_cast<std::size_t>(argument(record.first + k))])
+                leads[static_cast<std::size_t>(record.dst)] = 1;
         }
     }
-    // The Slope instructions of each register (a node emitted twice has two).
-    std::vector<int> byRegisterStarts(registers + 1, 0);
-    for (int index : slopes)
-        ++byRegisterStarts[static_cast<std::size_t>(
-                               program._code[static_cast<std::size_t>(index)].dst) +
-                           1];
     for (std::size_t r = 0; r < registers; ++r)
         byRegisterStarts[r + 1] += byRegisterStarts[r];
-    std::vector<int> byRegister(slopes.size());
+    std::vector<int> byRegister(records.size());
     std::vector<int> filled(byRegisterStarts.begin(), byRegisterStarts.end() - 1);
-    for (int index : slopes) {
-        std::size_t r =
-            static_cast<std::size_t>(program._code[static_cast<std::size_t>(index)].dst);
-        byRegister[static_cast<std::size_t>(filled[r]++)] = index;
-    }
+    for (std::size_t i = 0; i < records.size(); ++i)
+        byRegister[static_cast<std::size_t>(filled[static_cast<std::size_t>(records[i].dst)]++)] =
+            static_cast<int>(i);
 
     // Each root's cone, depth first from its register.
     std::vector<int> seen(registers, -1);
     std::vector<int> stack;
-    std::vector<int> coneSlopes;
+    std::vector<int> cone;
     _edgeStarts.push_back(0);
     _rowStarts.push_back(0);
     for (int root = 0; root < nbOfRoots; ++root) {
-        coneSlopes.clear();
+        cone.clear();
         int start = program._results[static_cast<std::size_t>(root)];
         if (leads[static_cast<std::size_t>(start)]) {
             stack.push_back(start);
@@ -55,47 +66,50 @@ ZorWBCompiledJacobian::ZorWBCompiledJacobian(const ZorWBRealProgram& program, in
         }
         const std::size_t rowStart = _columns.size();
         while (!stack.empty()) {
-            int reg = stack.back();
+            std::size_t r = static_cast<std::size_t>(stack.back());
             stack.pop_back();
-            if (reg < inputs) _columns.push_back(reg);
-            std::size_t r = static_cast<std::size_t>(reg);
+            if (r < static_cast<std::size_t>(inputs)) _columns.push_back(static_cast<int>(r));
             for (int s = byRegisterStarts[r]; s < byRegisterStarts[r + 1]; ++s) {
                 int index = byRegister[static_cast<std::size_t>(s)];
-                coneSlopes.push_back(index);
-                const ZorWBRealProgram::Instruction& in =
-                    program._code[static_cast<std::size_t>(index)];
-                for (int k = 0; k < in.b; ++k) {
-                    int child = program._arguments[static_cast<std::size_t>(in.a + k)];
-                    std::size_t c = static_cast<std::size_t>(child);
-                    if (!leads[c] || seen[c] == root) continue;
-                    seen[c] = root;
-                    stack.push_back(child);
+                cone.push_back(index);
+                const ZorWBRealProgram::SlopeRecord& record =
+                    records[static_cast<std::size_t>(index)];
+                for (int k = 0; k < record.count; ++k) {
+                    std::size_t child = static_cast<std::size_t>(argument(record.first + k));
+                    if (!leads[child] || seen[child] == root) continue;
+                    seen[child] = root;
+                    stack.push_back(static_cast<int>(child));
                 }
             }
         }
         std::sort(_columns.begin() + static_cast<std::ptrdiff_t>(rowStart), _columns.end());
         // Reverse order of computation: a node passes its adjoint on once
         // every node above it has passed theirs to it.
-        std::sort(coneSlopes.begin(), coneSlopes.end(), std::greater<int>());
-        for (int index : coneSlopes) {
-            const ZorWBRealProgram::Instruction& in =
-                program._code[static_cast<std::size_t>(index)];
-            for (int k = 0; k < in.b; ++k) {
-                int argument = in.a + k;
-                int child = program._arguments[static_cast<std::size_t>(argument)];
-                if (leads[static_cast<std::size_t>(child)])
-                    _edges.push_back({in.dst, child, argument});
+        std::sort(cone.begin(), cone.end(), std::greater<int>());
+        for (int index : cone) {
+            const ZorWBRealProgram::SlopeRecord& record = records[static_cast<std::size_t>(index)];
+            for (int k = 0; k < record.count; ++k) {
+                int child = argument(record.first + k);
+                if (!leads[static_cast<std::size_t>(child)]) continue;
+                // seen[child] becomes -2 - root once an edge reaches it.
+                bool first = seen[static_cast<std::size_t>(child)] != -2 - root;
+                seen[static_cast<std::size_t>(child)] = -2 - root;
+                _edges.push_back({record.dst, child, source(record, k), first});
+                if (record.kind == Kind::Computed) _computedSlopes.push_back(source(record, k));
             }
         }
         _edgeStarts.push_back(static_cast<int>(_edges.size()));
         _rowStarts.push_back(static_cast<int>(_columns.size()));
     }
-    if (program._values.empty()) {
+    if (reals) {
         _adjoints.assign(registers, 0.0);
     } else {
         _intervalAdjoints.assign(registers, ZorWBRealInterval{});
     }
     _reached.assign(registers, 0u);
+    std::sort(_computedSlopes.begin(), _computedSlopes.end());
+    _computedSlopes.erase(std::unique(_computedSlopes.begin(), _computedSlopes.end()),
+                          _computedSlopes.end());
 }
 
 template <class Number, class Product, class Sum>
@@ -134,9 +148,37 @@ void ZorWBCompiledJacobian::SweepWith(const ZorWBRealProgram& program,
     }
 }
 
+void ZorWBCompiledJacobian::SweepEverySlope(const ZorWBRealProgram& program, double* jacobian) {
+    double* adjoint = _adjoints.data();
+    const double* slopes = program._registers.data();
+    const std::size_t nbOfRoots = _rowStarts.size() - 1;
+    for (std::size_t root = 0; root < nbOfRoots; ++root) {
+        adjoint[program._results[root]] = 1.0;
+        for (int i = _edgeStarts[root]; i < _edgeStarts[root + 1]; ++i) {
+            const Edge& edge = _edges[static_cast<std::size_t>(i)];
+            double term = adjoint[edge.node] * slopes[edge.slope];
+            if (edge.first) {
+                adjoint[edge.child] = term;
+            } else {
+                adjoint[edge.child] += term;
+            }
+        }
+        for (int i = _rowStarts[root]; i < _rowStarts[root + 1]; ++i)
+            jacobian[i] = adjoint[_columns[static_cast<std::size_t>(i)]];
+    }
+}
+
 void ZorWBCompiledJacobian::Sweep(const ZorWBRealProgram& program, double* jacobian) {
+    const double* slopes = program._registers.data();
+    bool missing = false;
+    for (int slope : _computedSlopes)
+        missing = missing || ZorWBIsNoSlope(slopes[slope]);
+    if (!missing) {
+        SweepEverySlope(program, jacobian);
+        return;
+    }
     SweepWith(
-        program, _adjoints, program._slopes.data(), 0.0, 1.0,
+        program, _adjoints, program._registers.data(), 0.0, 1.0,
         [](double adjoint, double slope) { return adjoint * slope; },
         [](double a, double b) { return a + b; }, jacobian);
 }

@@ -40,16 +40,22 @@ class ZorWBCompiledJacobian {
                ZorWBRealInterval* jacobian);
 
   private:
-    // The adjoint of node passes to child, times slope number slope.
+    // The adjoint of node passes to child, times slope number slope; the
+    // first edge of a sweep to reach child sets its adjoint.
     struct Edge {
         int node;
         int child;
         int slope;
+        bool first;
     };
     template <class Number, class Product, class Sum>
     void SweepWith(const ZorWBRealProgram& program, std::vector<Number>& adjoints,
                    const Number* slopes, Number zero, Number one, Product&& product, Sum&& sum,
                    Number* jacobian);
+
+    // The plain sweep, when no slope that an edge reads is missing: the
+    // adjoints added up edge by edge.
+    void SweepEverySlope(const ZorWBRealProgram& program, double* jacobian);
 
     // Per root: the edges, the entries (the inputs' registers are the
     // columns).
@@ -63,6 +69,8 @@ class ZorWBCompiledJacobian {
     // stamp is the sweep's.
     std::vector<unsigned int> _reached;
     unsigned int _sweep = 0;
+    // The computed slopes that edges read (with reals).
+    std::vector<int> _computedSlopes;
 };
 
 #endif

@@ -61,7 +61,10 @@ void ZorWBRealProgram::RunWithInputs(ZorWBFactory& factory) {
     ReadLeaves();
     NextEpoch();
     // Instructions that do not run give no slope.
-    if (_jumps) std::fill(_slopes.begin(), _slopes.end(), ZorWBRealNoSlope());
+    if (_jumps && !_slopeRecords.empty())
+        std::fill(_registers.begin() + _slotBase,
+                  _registers.begin() + _slotBase + static_cast<std::ptrdiff_t>(_arguments.size()),
+                  ZorWBRealNoSlope());
     // Nodes that evaluate themselves read their children's results as the
     // node walk leaves them: in the children, under a walk number.
     unsigned int outer = factory._realWalk;
@@ -75,115 +78,127 @@ void ZorWBRealProgram::RunWithInputs(ZorWBFactory& factory) {
 
 void ZorWBRealProgram::Execute(const ZorWBFactory& factory, unsigned int walk) {
     double* r = _registers.data();
-    const Instruction* code = _code.data();
-    const int size = static_cast<int>(_code.size());
+    const Instruction* const code = _code.data();
+    const Instruction* const end = code + _code.size();
     const ZorWBEnvironment& environment = factory.GetEnvironment();
-    for (int pc = 0; pc < size; ++pc) {
-        const Instruction& in = code[pc];
-        switch (in.op) {
+    for (const Instruction* in = code; in < end; ++in) {
+        switch (in->op) {
             case Op::Nan:
-                r[in.dst] = NaN;
+                r[in->dst] = NaN;
                 break;
             case Op::Move:
-                r[in.dst] = r[in.a];
+                r[in->dst] = r[in->a];
                 break;
             case Op::Add:
-                r[in.dst] = r[in.a] + r[in.b];
+                r[in->dst] = r[in->a] + r[in->b];
                 break;
             case Op::Mul:
-                r[in.dst] = r[in.a] * r[in.b];
+                r[in->dst] = r[in->a] * r[in->b];
                 break;
             case Op::AddProduct:
-                r[in.dst] = r[in.a] + r[in.b] * r[in.c];
+                r[in->dst] = r[in->a] + r[in->b] * r[in->c];
                 break;
             case Op::ProductAdd:
-                r[in.dst] = r[in.a] * r[in.b] + r[in.c];
+                r[in->dst] = r[in->a] * r[in->b] + r[in->c];
                 break;
             case Op::Div:
-                r[in.dst] = r[in.a] / r[in.b];
+                r[in->dst] = r[in->a] / r[in->b];
                 break;
             case Op::Neg:
-                r[in.dst] = -r[in.a];
+                r[in->dst] = -r[in->a];
                 break;
             case Op::Pow:
-                r[in.dst] = ZorWBRealPower(r[in.a], r[in.b]);
+                r[in->dst] = ZorWBRealPower(r[in->a], r[in->b]);
                 break;
             case Op::Sin:
-                r[in.dst] = std::sin(r[in.a]);
+                r[in->dst] = std::sin(r[in->a]);
                 break;
             case Op::Cos:
-                r[in.dst] = std::cos(r[in.a]);
+                r[in->dst] = std::cos(r[in->a]);
                 break;
             case Op::SinCos:
-                SineCosine(r[in.a], r[in.dst], r[in.b]);
+                SineCosine(r[in->a], r[in->dst], r[in->b]);
                 break;
             case Op::Unary:
-                r[in.dst] = in.unary(r[in.a]);
+                r[in->dst] = in->unary(r[in->a]);
                 break;
             case Op::Binary:
-                r[in.dst] = in.binary(r[in.a], r[in.b]);
+                r[in->dst] = in->binary(r[in->a], r[in->b]);
                 break;
             case Op::Logical: {
-                double a = r[in.a];
-                double b = r[in.b];
-                r[in.dst] = std::isnan(a) || std::isnan(b)
-                                ? NaN
-                                : in.logical(a, b, environment.GetTolerance());
+                double a = r[in->a];
+                double b = r[in->b];
+                r[in->dst] = std::isnan(a) || std::isnan(b)
+                                 ? NaN
+                                 : in->logical(a, b, environment.GetTolerance());
                 break;
             }
             case Op::Not: {
-                double a = r[in.a];
-                r[in.dst] = std::isnan(a) ? NaN : (a == 0.0 ? 1.0 : 0.0);
-                break;
-            }
-            case Op::Step: {
-                // The step's shape belongs to its value function.
-                const double* parameters =
-                    static_cast<const ZorWBUnaryOperator*>(in.node)->GetParameters();
-                r[in.dst] = ZorWBRealReading(ZorWBStep(environment, r[in.a], parameters));
-                break;
-            }
-            case Op::Round3:
-                r[in.dst] = ZorWBRealReading(ZorWBRound(environment, r[in.a], r[in.b], r[in.c]));
-                break;
-            case Op::Node: {
-                const ZorWBOperator* node = in.node;
-                int n = std::min(in.b, ZorWBGraphWalk::NbOfChildren(node));
-                for (int i = 0; i < n; ++i) {
-                    const ZorWBExpression* child = ZorWBGraphWalk::Child(node, i);
-                    child->_real = r[_arguments[static_cast<std::size_t>(in.a + i)]];
-                    child->_realMark = walk;
-                }
-                r[in.dst] = static_cast<const ZorWBExpression*>(node)->DoEval();
+                double a = r[in->a];
+                r[in->dst] = std::isnan(a) ? NaN : (a == 0.0 ? 1.0 : 0.0);
                 break;
             }
             case Op::Branch: {
-                double condition = r[in.a];
+                double condition = r[in->a];
                 if (std::isnan(condition)) {
-                    r[in.dst] = NaN;
-                    pc = in.target - 1;
+                    r[in->dst] = NaN;
+                    in = code + in->target - 1;
                 } else if (condition == 0.0) {
-                    pc = in.b - 1;
+                    in = code + in->b - 1;
                 }
                 break;
             }
             case Op::Jump:
-                pc = in.target - 1;
+                in = code + in->target - 1;
                 break;
             case Op::Guard:
-                if (_stamps[static_cast<std::size_t>(in.dst)] == _epoch) pc = in.target - 1;
+                if (_stamps[static_cast<std::size_t>(in->dst)] == _epoch)
+                    in = code + in->target - 1;
                 break;
             case Op::Stamp:
-                _stamps[static_cast<std::size_t>(in.dst)] = _epoch;
+                _stamps[static_cast<std::size_t>(in->dst)] = _epoch;
                 break;
             case Op::Start:
                 break;
             case Op::Slope: {
-                const std::size_t first = static_cast<std::size_t>(in.a);
-                ZorWBRealSlopes(*in.node, r, &_arguments[first], in.b, r[in.dst],
-                                environment.GetTolerance(), &_slopes[first]);
+                const std::size_t first = static_cast<std::size_t>(in->a);
+                ZorWBRealSlopes(*in->node, r, &_arguments[first], in->b, r[in->dst],
+                                environment.GetTolerance(), r + _slotBase + in->a);
                 break;
             }
+            default:  // Step, Round3, Node
+                ExecuteCall(*in, environment, walk);
+                break;
         }
+    }
+}
+
+void ZorWBRealProgram::ExecuteCall(const Instruction& in, const ZorWBEnvironment& environment,
+                                   unsigned int walk) {
+    double* r = _registers.data();
+    switch (in.op) {
+        case Op::Step: {
+            // The step's shape belongs to its value function.
+            const double* parameters =
+                static_cast<const ZorWBUnaryOperator*>(in.node)->GetParameters();
+            r[in.dst] = ZorWBRealReading(ZorWBStep(environment, r[in.a], parameters));
+            return;
+        }
+        case Op::Round3:
+            r[in.dst] = ZorWBRealReading(ZorWBRound(environment, r[in.a], r[in.b], r[in.c]));
+            return;
+        case Op::Node: {
+            const ZorWBOperator* node = in.node;
+            int n = std::min(in.b, ZorWBGraphWalk::NbOfChildren(node));
+            for (int i = 0; i < n; ++i) {
+                const ZorWBExpression* child = ZorWBGraphWalk::Child(node, i);
+                child->_real = r[_arguments[static_cast<std::size_t>(in.a + i)]];
+                child->_realMark = walk;
+            }
+            r[in.dst] = static_cast<const ZorWBExpression*>(node)->DoEval();
+            return;
+        }
+        default:
+            return;
     }
 }

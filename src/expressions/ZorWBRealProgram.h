@@ -129,8 +129,9 @@ class ZorWBRealProgram {
 
     struct Instruction {
         Op op;
-        // The node's type, for the value order's value functions.
-        ZorWBExpressionType type;
+        // The node's type (a ZorWBExpressionType), for the value order's
+        // value functions.
+        unsigned char type;
         int dst;
         int a;
         int b;
@@ -148,6 +149,9 @@ class ZorWBRealProgram {
     // Reads the leaves that are not inputs into their registers.
     void ReadLeaves();
     void Execute(const ZorWBFactory& factory, unsigned int walk);
+    // The instructions that call out (steps, roundings, black boxes), kept
+    // out of the loop of the frequent ones.
+    void ExecuteCall(const Instruction& in, const ZorWBEnvironment& environment, unsigned int walk);
     void ExecuteValues(const ZorWBEnvironment& environment);
     // The stamps of a program with guards start a new run.
     void NextEpoch();
@@ -161,9 +165,23 @@ class ZorWBRealProgram {
     std::vector<double> _registers;
     // The value order's registers (only there).
     std::vector<ZorWBValue> _values;
-    // The partial derivatives by the arguments of the Slope instructions,
-    // reals or intervals (only with slopes).
-    std::vector<double> _slopes;
+    // The slopes of each node, in the order of computation (only with
+    // slopes). A node's slope by its child arguments[first + k] is read,
+    // for the kinds the program computes, from slot first + k: with reals
+    // the register _slotBase + first + k, with values _intervalSlopes;
+    // in a program without jumps, the slopes of sums, of products of two
+    // and of negations need no computing: 1, the other operand's register,
+    // -1 (kept in the last two registers).
+    enum class SlopeKind : unsigned char { Computed, One, MinusOne, OtherOperand };
+    struct SlopeRecord {
+        int dst;
+        int first;
+        int count;
+        int code;  // its Slope instruction while compiling
+        SlopeKind kind;
+    };
+    std::vector<SlopeRecord> _slopeRecords;
+    int _slotBase = 0;
     std::vector<ZorWBRealInterval> _intervalSlopes;
     // The environment in which interval slopes are computed: the factory's
     // settings, an error word of its own.

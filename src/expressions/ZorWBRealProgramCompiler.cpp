@@ -47,6 +47,8 @@ class ZorWBRealProgramCompiler {
             FuseProducts();
         }
         AllocateRegisters(!_stamped && !keep);
+        for (Program::SlopeRecord& record : _program._slopeRecords)
+            record.dst = At(record.code).dst;  // allocated
         const std::size_t registers = static_cast<std::size_t>(_nbOfRegisters);
         _program._jumps = _stamped;
         if (_stamped) _program._stamps.assign(registers, 0u);
@@ -54,9 +56,10 @@ class ZorWBRealProgramCompiler {
             _program._values.assign(registers, ZorWBValue());
             if (_options.slopes)
                 _program._intervalSlopes.assign(_program._arguments.size(), ZorWBRealInterval{});
+        } else if (_options.slopes) {
+            PlaceSlopes();
         } else {
             _program._registers.assign(registers, 0.0);
-            if (_options.slopes) _program._slopes.assign(_program._arguments.size(), 0.0);
         }
         return true;
     }
@@ -140,7 +143,7 @@ class ZorWBRealProgramCompiler {
     int Emit(Op op, int dst, int a = 0, int b = 0, Type type = Type::None) {
         Program::Instruction instruction;
         instruction.op = op;
-        instruction.type = type;
+        instruction.type = static_cast<unsigned char>(type);
         instruction.dst = dst;
         instruction.a = a;
         instruction.b = b;
@@ -408,12 +411,43 @@ class ZorWBRealProgramCompiler {
     // The partial derivatives of node by its children after its
     // computation; false for a type without them.
     bool EmitSlope(const ZorWBOperator* node, int n, const int* children) {
-        if (!ZorWBHasSlopes(node->GetType())) return false;
+        const Type type = node->GetType();
+        if (!ZorWBHasSlopes(type)) return false;
         int first = static_cast<int>(_program._arguments.size());
         for (int i = 0; i < n; ++i)
             _program._arguments.push_back(children[i]);
-        At(Emit(Op::Slope, Reg(node), first, n, node->GetType())).node = node;
+        int code = Emit(Op::Slope, Reg(node), first, n, type);
+        At(code).node = node;
+        using Kind = Program::SlopeKind;
+        Kind kind = Kind::Computed;
+        if (!_options.valueOrder) {
+            if (type == Type::Sum || (ZorWBIsFoldType(type) && n == 1)) kind = Kind::One;
+            if (type == Type::Product && n == 2) kind = Kind::OtherOperand;
+            if (type == Type::UnaryMinus) kind = Kind::MinusOne;
+        }
+        _program._slopeRecords.push_back({Reg(node), first, n, code, kind});
         return true;
+    }
+
+    // The slots of the computed slopes follow the registers, then 1 and -1.
+    // In a program without jumps, where each node is computed at one place,
+    // the slopes that need no computing lose their instructions; with
+    // jumps every slope is computed where its node is (a copy of a node
+    // that does not run must give no slope).
+    void PlaceSlopes() {
+        using Kind = Program::SlopeKind;
+        std::vector<Program::Instruction>& code = _program._code;
+        std::vector<bool> dropped(code.size(), false);
+        for (Program::SlopeRecord& record : _program._slopeRecords) {
+            if (_stamped) record.kind = Kind::Computed;
+            dropped[static_cast<std::size_t>(record.code)] = record.kind != Kind::Computed;
+        }
+        Compact(dropped);
+        const std::size_t slots = _program._arguments.size();
+        _program._slotBase = _nbOfRegisters;
+        _program._registers.assign(static_cast<std::size_t>(_nbOfRegisters) + slots + 2, 0.0);
+        _program._registers[_program._registers.size() - 2] = 1.0;
+        _program._registers[_program._registers.size() - 1] = -1.0;
     }
 
     // A Sin and a Cos of one register become one SinCos at the place of the

@@ -1,6 +1,8 @@
 #ifndef ZORWB_SLOPES_H
 #define ZORWB_SLOPES_H
 
+#include <cstring>
+
 #include "expressions/ZorWBExpressionType.h"
 #include "values/ZorWBInterval.h"
 
@@ -25,8 +27,15 @@ class ZorWBValue;
 // 0 times an infinite slope further down, as the symbolic derivative does
 // not evaluate the term at all. Over a box, only a piece that no point
 // selects gets it.
-bool ZorWBIsNoSlope(double slope);
-bool ZorWBIsNoSlope(const ZorWBRealInterval& slope);
+constexpr unsigned long long ZorWBNoSlopeBits = 0x7FF80000000B10CAull;
+inline bool ZorWBIsNoSlope(double slope) {
+    unsigned long long bits;
+    std::memcpy(&bits, &slope, sizeof bits);
+    return bits == ZorWBNoSlopeBits;
+}
+inline bool ZorWBIsNoSlope(const ZorWBRealInterval& slope) {
+    return ZorWBIsNoSlope(slope.low);
+}
 double ZorWBRealNoSlope();
 ZorWBRealInterval ZorWBIntervalNoSlope();
 
