@@ -6,9 +6,9 @@
 // Workloads: real-chain real-trig interval-chain interval-trig system
 // derivative parse parse-fill remove-deep; real-chain-walk and real-trig-walk
 // evaluate without compiled programs; function-chain and function-trig
-// evaluate the sum by a compiled function at a point, function-interval-chain
-// over a box; residuals-system and jacobian-system the system's residuals,
-// and with its sparse Jacobian.
+// evaluate the sum by a compiled function at a point,
+// function-interval-chain and function-interval-trig over a box; residuals-system and
+// jacobian-system the system's residuals, and with its sparse Jacobian.
 
 #include <algorithm>
 #include <chrono>
@@ -54,7 +54,8 @@ int Usage() {
                  "usage: speed_profile WORKLOAD TIMES\n"
                  "  real-chain real-trig interval-chain interval-trig system derivative\n"
                  "  parse parse-fill remove-deep function-chain function-trig\n"
-                 "  function-interval-chain residuals-system jacobian-system\n");
+                 "  function-interval-chain function-interval-trig residuals-system\n"
+                 "  jacobian-system\n");
     return 2;
 }
 
@@ -89,8 +90,8 @@ int main(int argc, char** argv) {
             Repeat(times, [&] { sink += root->Eval(); });
         }
     } else if (name == "function-chain" || name == "function-trig" ||
-               name == "function-interval-chain" || name == "residuals-system" ||
-               name == "jacobian-system") {
+               name == "function-interval-chain" || name == "function-interval-trig" ||
+               name == "residuals-system" || name == "jacobian-system") {
         bool system = name.find("system") != std::string::npos;
         std::string text = system ? speed::SystemText(NbOfTerms, speed::ChainTerm)
                            : trig ? speed::SumText(NbOfTerms, speed::TrigTerm)
@@ -116,7 +117,7 @@ int main(int argc, char** argv) {
         Repeat(times, [&] {
             if (name == "jacobian-system") {
                 function.EvaluateJacobian(point.data(), residuals.data(), jacobian.data());
-            } else if (name == "function-interval-chain") {
+            } else if (name.rfind("function-interval", 0) == 0) {
                 function.EvaluateIntervals(box.data(), images.data());
                 residuals[0] = images[0].high;
             } else {

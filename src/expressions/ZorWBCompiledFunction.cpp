@@ -208,7 +208,7 @@ ZorWBCompiledStatus ZorWBCompiledFunction::EvaluateJacobian(const double* point,
 }
 
 ZorWBCompiledStatus ZorWBCompiledFunction::RunIntervals(const ZorWBRealInterval* box,
-                                                        ZorWBRealInterval* residuals) {
+                                                        ZorWBRealInterval* residuals, bool slopes) {
     ZorWBCompiledStatus status = Check();
     if (status != ZorWBCompiledStatus::Ok) return status;
     if (!_intervals) return ZorWBCompiledStatus::NoIntervalForm;
@@ -219,7 +219,7 @@ ZorWBCompiledStatus ZorWBCompiledFunction::RunIntervals(const ZorWBRealInterval*
         inputs[i].Set(box[i]);
         inputs[i].UpdateEnv(environment);
     }
-    _intervals->RunValues(*_factory);
+    _intervals->RunValues(*_factory, slopes);
     for (int i = 0; i < _nbOfRoots; ++i)
         residuals[i] = _intervals->GetResultValue(i).GetAsRealInterval();
     return ZorWBCompiledStatus::Ok;
@@ -227,7 +227,7 @@ ZorWBCompiledStatus ZorWBCompiledFunction::RunIntervals(const ZorWBRealInterval*
 
 ZorWBCompiledStatus ZorWBCompiledFunction::EvaluateIntervals(const ZorWBRealInterval* box,
                                                              ZorWBRealInterval* residuals) {
-    return RunIntervals(box, residuals);
+    return RunIntervals(box, residuals, false);
 }
 
 ZorWBCompiledStatus ZorWBCompiledFunction::EvaluateIntervalJacobian(const ZorWBRealInterval* box,
@@ -238,7 +238,7 @@ ZorWBCompiledStatus ZorWBCompiledFunction::EvaluateIntervalJacobian(const ZorWBR
     if (!_intervals) return ZorWBCompiledStatus::NoIntervalForm;
     if (!_intervalJacobian) return ZorWBCompiledStatus::NoDerivative;
     if (!jacobian) return ZorWBCompiledStatus::BadArgument;
-    status = RunIntervals(box, residuals);
+    status = RunIntervals(box, residuals, true);
     if (status == ZorWBCompiledStatus::Ok)
         _intervalJacobian->Sweep(*_intervals, _intervals->_scratch, jacobian);
     return status;

@@ -129,7 +129,10 @@ class ZORWBX_API ZorWBCompiledFunction {
     // The point (or the slots) into the program's inputs.
     void ReadPoint(const double* point, double* inputs) const;
     bool NeedsPoint() const;
-    ZorWBCompiledStatus RunIntervals(const ZorWBRealInterval* box, ZorWBRealInterval* residuals);
+    // The residual images, and the interval slopes of every node when
+    // asked.
+    ZorWBCompiledStatus RunIntervals(const ZorWBRealInterval* box, ZorWBRealInterval* residuals,
+                                     bool slopes);
 
     ZorWBFactory* _factory = nullptr;
     unsigned long long _structureVersion = 0;

@@ -80,9 +80,10 @@ class ZorWBRealProgram {
     // A program compiled in the value order, over values: inputs are
     // written into GetInputValues() before the run; the results are then
     // GetResultValue(i). Numeric failures set the environment's error word
-    // as GetValue does.
+    // as GetValue does. A program compiled with slopes computes them only
+    // when asked (the values alone cost about half as much).
     ZorWBValue* GetInputValues() { return _values.data(); }
-    void RunValues(ZorWBFactory& factory);
+    void RunValues(ZorWBFactory& factory, bool slopes);
     const ZorWBValue& GetResultValue(int root) const {
         return _values[static_cast<std::size_t>(_results[static_cast<std::size_t>(root)])];
     }
@@ -152,7 +153,7 @@ class ZorWBRealProgram {
     // The instructions that call out (steps, roundings, black boxes), kept
     // out of the loop of the frequent ones.
     void ExecuteCall(const Instruction& in, const ZorWBEnvironment& environment, unsigned int walk);
-    void ExecuteValues(const ZorWBEnvironment& environment);
+    void ExecuteValues(const ZorWBEnvironment& environment, bool slopes);
     // The stamps of a program with guards start a new run.
     void NextEpoch();
 

@@ -162,7 +162,9 @@ class ZorWBRealProgramCompiler {
         while (!stack.empty()) {
             Frame& frame = stack.back();
             const ZorWBExpression* node = frame.node;
-            const ZorWBOperator* op = static_cast<const ZorWBOperator*>(node);
+            // Null for a leaf (a root may be one), which has no operation.
+            const ZorWBOperator* op =
+                node->IsLeaf() ? nullptr : static_cast<const ZorWBOperator*>(node);
             int n = ZorWBGraphWalk::NbOfEvaluatedChildren(node);
             // The registers of the children done so far, in order.
             auto done = [this, &frame]() { return _childRegisters.data() + frame.children; };

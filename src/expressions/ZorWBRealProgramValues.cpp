@@ -44,21 +44,22 @@ const FunctionTable& Functions() {
 
 }  // namespace
 
-void ZorWBRealProgram::RunValues(ZorWBFactory& factory) {
+void ZorWBRealProgram::RunValues(ZorWBFactory& factory, bool slopes) {
     ZorWBValue* leaves = _values.data() + _nbOfInputs;
     for (std::size_t i = 0; i < _leaves.size(); ++i)
         leaves[i] = _leaves[i]->ZorWBConstant::GetExprValue();
     NextEpoch();
-    if (!_intervalSlopes.empty()) {
+    slopes = slopes && !_intervalSlopes.empty();
+    if (slopes) {
         // Instructions that do not run give no slope.
         if (_jumps)
             std::fill(_intervalSlopes.begin(), _intervalSlopes.end(), ZorWBIntervalNoSlope());
         _scratch = factory.GetEnvironment();
     }
-    ExecuteValues(factory.GetEnvironment());
+    ExecuteValues(factory.GetEnvironment(), slopes);
 }
 
-void ZorWBRealProgram::ExecuteValues(const ZorWBEnvironment& environment) {
+void ZorWBRealProgram::ExecuteValues(const ZorWBEnvironment& environment, bool slopes) {
     const FunctionTable& functions = Functions();
     ZorWBValue* v = _values.data();
     const Instruction* code = _code.data();
@@ -131,6 +132,7 @@ void ZorWBRealProgram::ExecuteValues(const ZorWBEnvironment& environment) {
                 environment.InitForEval();
                 break;
             case Op::Slope: {
+                if (!slopes) break;
                 const std::size_t first = static_cast<std::size_t>(in.a);
                 ZorWBIntervalSlopes(*in.node, v, &_arguments[first], in.b, v[in.dst], _scratch,
                                     &_intervalSlopes[first]);
