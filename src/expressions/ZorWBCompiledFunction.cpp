@@ -1,9 +1,10 @@
-// Compiled functions: three programs of one compiler (ZorWBRealProgram) over
+// Compiled functions: four programs of one compiler (ZorWBRealProgram) over
 // the same roots, made once, and the reverse sweeps of their Jacobians.
 // The residuals run the fused program whose registers are reused; the
 // Jacobian runs the program that keeps its registers and computes the slopes
-// of every node; the interval forms run the program over values in the
-// value walk's order. A call checks the factory's structure version first,
+// of every node; the interval forms run programs over values in the value
+// walk's order, the residual images one whose registers are reused, the
+// interval Jacobian one with slopes. A call checks the factory's structure version first,
 // so that no program ever reads a node that a change of the graph may have
 // freed.
 
@@ -57,6 +58,7 @@ ZorWBCompiledFunction::ZorWBCompiledFunction(int nbOfRoots, const ZorWBExpressio
         _slopes.reset();
         _jacobian.reset();
         _intervals.reset();
+        _intervalSlopes.reset();
         _intervalJacobian.reset();
     }
 }
@@ -92,13 +94,12 @@ void ZorWBCompiledFunction::Compile(const ZorWBExpression* const* roots,
     _slopes = ZorWBRealProgram::Compile(roots, _nbOfRoots, options);
     if (_slopes) _jacobian.reset(new ZorWBCompiledJacobian(*_slopes, _nbOfRoots));
     options.valueOrder = true;
+    _intervalSlopes = ZorWBRealProgram::Compile(roots, _nbOfRoots, options);
+    if (_intervalSlopes)
+        _intervalJacobian.reset(new ZorWBCompiledJacobian(*_intervalSlopes, _nbOfRoots));
+    options.slopes = false;
     _intervals = ZorWBRealProgram::Compile(roots, _nbOfRoots, options);
-    if (_intervals) {
-        _intervalJacobian.reset(new ZorWBCompiledJacobian(*_intervals, _nbOfRoots));
-    } else {
-        options.slopes = false;
-        _intervals = ZorWBRealProgram::Compile(roots, _nbOfRoots, options);
-    }
+    _lastIntervals = _intervals.get();
     _slots.assign(static_cast<std::size_t>(_nbOfVariables), nullptr);
     factory->_compiledFunctions.push_back(this);
     _factory = factory;
@@ -207,27 +208,29 @@ ZorWBCompiledStatus ZorWBCompiledFunction::EvaluateJacobian(const double* point,
     return ZorWBCompiledStatus::Ok;
 }
 
-ZorWBCompiledStatus ZorWBCompiledFunction::RunIntervals(const ZorWBRealInterval* box,
-                                                        ZorWBRealInterval* residuals, bool slopes) {
-    ZorWBCompiledStatus status = Check();
-    if (status != ZorWBCompiledStatus::Ok) return status;
-    if (!_intervals) return ZorWBCompiledStatus::NoIntervalForm;
+ZorWBCompiledStatus ZorWBCompiledFunction::RunIntervals(ZorWBRealProgram& program,
+                                                        const ZorWBRealInterval* box,
+                                                        ZorWBRealInterval* residuals) {
     if (!residuals || (!box && _nbOfVariables > 0)) return ZorWBCompiledStatus::BadArgument;
-    ZorWBValue* inputs = _intervals->GetInputValues();
+    ZorWBValue* inputs = program.GetInputValues();
     const ZorWBEnvironment& environment = _factory->GetEnvironment();
     for (int i = 0; i < _nbOfVariables; ++i) {
         inputs[i].Set(box[i]);
         inputs[i].UpdateEnv(environment);
     }
-    _intervals->RunValues(*_factory, slopes);
+    program.RunValues(*_factory);
+    _lastIntervals = &program;
     for (int i = 0; i < _nbOfRoots; ++i)
-        residuals[i] = _intervals->GetResultValue(i).GetAsRealInterval();
+        residuals[i] = program.GetResultValue(i).GetAsRealInterval();
     return ZorWBCompiledStatus::Ok;
 }
 
 ZorWBCompiledStatus ZorWBCompiledFunction::EvaluateIntervals(const ZorWBRealInterval* box,
                                                              ZorWBRealInterval* residuals) {
-    return RunIntervals(box, residuals, false);
+    ZorWBCompiledStatus status = Check();
+    if (status != ZorWBCompiledStatus::Ok) return status;
+    if (!_intervals) return ZorWBCompiledStatus::NoIntervalForm;
+    return RunIntervals(*_intervals, box, residuals);
 }
 
 ZorWBCompiledStatus ZorWBCompiledFunction::EvaluateIntervalJacobian(const ZorWBRealInterval* box,
@@ -238,14 +241,14 @@ ZorWBCompiledStatus ZorWBCompiledFunction::EvaluateIntervalJacobian(const ZorWBR
     if (!_intervals) return ZorWBCompiledStatus::NoIntervalForm;
     if (!_intervalJacobian) return ZorWBCompiledStatus::NoDerivative;
     if (!jacobian) return ZorWBCompiledStatus::BadArgument;
-    status = RunIntervals(box, residuals, true);
+    status = RunIntervals(*_intervalSlopes, box, residuals);
     if (status == ZorWBCompiledStatus::Ok)
-        _intervalJacobian->Sweep(*_intervals, _intervals->_scratch, jacobian);
+        _intervalJacobian->Sweep(*_intervalSlopes, _intervalSlopes->_scratch, jacobian);
     return status;
 }
 
 const ZorWBValue& ZorWBCompiledFunction::GetIntervalResult(int root) const {
     static const ZorWBValue undefined;
-    if (!_intervals || root < 0 || root >= _nbOfRoots) return undefined;
-    return _intervals->GetResultValue(root);
+    if (!_lastIntervals || root < 0 || root >= _nbOfRoots) return undefined;
+    return _lastIntervals->GetResultValue(root);
 }

@@ -129,10 +129,9 @@ class ZORWBX_API ZorWBCompiledFunction {
     // The point (or the slots) into the program's inputs.
     void ReadPoint(const double* point, double* inputs) const;
     bool NeedsPoint() const;
-    // The residual images, and the interval slopes of every node when
-    // asked.
-    ZorWBCompiledStatus RunIntervals(const ZorWBRealInterval* box, ZorWBRealInterval* residuals,
-                                     bool slopes);
+    // The residual images by program (after the checks of the call).
+    ZorWBCompiledStatus RunIntervals(ZorWBRealProgram& program, const ZorWBRealInterval* box,
+                                     ZorWBRealInterval* residuals);
 
     ZorWBFactory* _factory = nullptr;
     unsigned long long _structureVersion = 0;
@@ -143,13 +142,17 @@ class ZORWBX_API ZorWBCompiledFunction {
     int _nbOfBound = 0;
     std::vector<std::pair<int, ZorWBVariable*>> _variablesOfCalls;
     // Residuals; the program with slopes for the Jacobian, and its sweeps;
-    // the program over values in the walk's order for the interval forms,
-    // and its sweeps. Null where the roots do not allow them.
+    // the programs over values in the walk's order for the residual images
+    // (registers reused) and for the interval Jacobian (with slopes), and
+    // its sweeps. Null where the roots do not allow them.
     std::unique_ptr<ZorWBRealProgram> _residuals;
     std::unique_ptr<ZorWBRealProgram> _slopes;
     std::unique_ptr<ZorWBCompiledJacobian> _jacobian;
     std::unique_ptr<ZorWBRealProgram> _intervals;
+    std::unique_ptr<ZorWBRealProgram> _intervalSlopes;
     std::unique_ptr<ZorWBCompiledJacobian> _intervalJacobian;
+    // The program whose values GetIntervalResult reads.
+    const ZorWBRealProgram* _lastIntervals = nullptr;
 };
 
 #endif

@@ -44,7 +44,9 @@ class ZorWBOperator;
 // values instead of reals (RunValues), as GetValue would evaluate the roots
 // with every buffer invalid: each node is started (a lone domain error
 // cleared) before its children, a fold takes each child in after it, and
-// each operation goes through the node's value function (or its shortcut).
+// each operation goes through the node's value function (or its shortcut);
+// without slopes and jumps its registers are reused as the reals' are, so
+// that a large graph's values stay few and in the processor's cache.
 class ZorWBRealProgram {
   public:
     struct Options {
@@ -80,10 +82,9 @@ class ZorWBRealProgram {
     // A program compiled in the value order, over values: inputs are
     // written into GetInputValues() before the run; the results are then
     // GetResultValue(i). Numeric failures set the environment's error word
-    // as GetValue does. A program compiled with slopes computes them only
-    // when asked (the values alone cost about half as much).
+    // as GetValue does.
     ZorWBValue* GetInputValues() { return _values.data(); }
-    void RunValues(ZorWBFactory& factory, bool slopes);
+    void RunValues(ZorWBFactory& factory);
     const ZorWBValue& GetResultValue(int root) const {
         return _values[static_cast<std::size_t>(_results[static_cast<std::size_t>(root)])];
     }
@@ -153,7 +154,7 @@ class ZorWBRealProgram {
     // The instructions that call out (steps, roundings, black boxes), kept
     // out of the loop of the frequent ones.
     void ExecuteCall(const Instruction& in, const ZorWBEnvironment& environment, unsigned int walk);
-    void ExecuteValues(const ZorWBEnvironment& environment, bool slopes);
+    void ExecuteValues(const ZorWBEnvironment& environment);
     // The stamps of a program with guards start a new run.
     void NextEpoch();
 

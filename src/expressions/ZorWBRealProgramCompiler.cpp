@@ -41,12 +41,14 @@ class ZorWBRealProgramCompiler {
             _program._results.push_back(Reg(roots[i]));
             ForgetPerRootNodes();
         }
-        bool keep = _options.slopes || _options.valueOrder;
-        if (!_stamped && !keep) {
+        // Fused instructions exist only over reals, without slopes.
+        if (!_stamped && !_options.slopes && !_options.valueOrder) {
             FuseSineCosine();
             FuseProducts();
         }
-        AllocateRegisters(!_stamped && !keep);
+        // Values in the value order may share registers as reals do; slopes
+        // are read after the run, from every node's register.
+        AllocateRegisters(!_stamped && !_options.slopes);
         for (Program::SlopeRecord& record : _program._slopeRecords)
             record.dst = At(record.code).dst;  // allocated
         const std::size_t registers = static_cast<std::size_t>(_nbOfRegisters);
@@ -546,8 +548,11 @@ class ZorWBRealProgramCompiler {
                 break;
             case Op::Guard:
             case Op::Stamp:
-            case Op::Start:
                 visit(in.dst, false);
+                return;
+            case Op::Start:
+                // Reads nothing; the node's register is taken from here on.
+                visit(in.dst, true);
                 return;
             case Op::Move:
             case Op::Neg:
@@ -592,7 +597,10 @@ class ZorWBRealProgramCompiler {
     // be kept) the other registers are reused once their last reader has
     // run, so that the registers of a large graph stay few and in the
     // processor's cache; otherwise each node keeps its own (its stamp, its
-    // slopes go with it).
+    // slopes go with it). In the value order no operation writes into one
+    // of its operands' registers (a shortcut writes its result in place,
+    // and must read operands that stay what they were): a register freed by
+    // an instruction is reused from the next one on.
     void AllocateRegisters(bool reuse) {
         std::vector<Program::Instruction>& code = _program._code;
         std::size_t count = static_cast<std::size_t>(_nbOfRegisters);
@@ -612,6 +620,8 @@ class ZorWBRealProgramCompiler {
         for (int result : _program._results)
             lastRead[static_cast<std::size_t>(result)] = static_cast<int>(code.size());
         std::vector<int> unused;
+        std::vector<int> freed;
+        const bool freeAfterWrite = _options.valueOrder;
         for (std::size_t i = 0; i < code.size(); ++i) {
             int index = static_cast<int>(i);
             VisitRegisters(code[i], [&](int& reg, bool written) {
@@ -629,10 +639,12 @@ class ZorWBRealProgramCompiler {
                 // read twice), for a write of this same instruction too.
                 if (!written && reuse && lastRead[r] == index && physical >= nbOfLeaves) {
                     lastRead[r] = -1;
-                    unused.push_back(physical);
+                    (freeAfterWrite ? freed : unused).push_back(physical);
                 }
                 reg = physical;
             });
+            unused.insert(unused.end(), freed.begin(), freed.end());
+            freed.clear();
         }
         for (int& result : _program._results) {
             std::size_t r = static_cast<std::size_t>(result);

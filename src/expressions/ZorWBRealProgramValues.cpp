@@ -44,22 +44,21 @@ const FunctionTable& Functions() {
 
 }  // namespace
 
-void ZorWBRealProgram::RunValues(ZorWBFactory& factory, bool slopes) {
+void ZorWBRealProgram::RunValues(ZorWBFactory& factory) {
     ZorWBValue* leaves = _values.data() + _nbOfInputs;
     for (std::size_t i = 0; i < _leaves.size(); ++i)
         leaves[i] = _leaves[i]->ZorWBConstant::GetExprValue();
     NextEpoch();
-    slopes = slopes && !_intervalSlopes.empty();
-    if (slopes) {
+    if (!_intervalSlopes.empty()) {
         // Instructions that do not run give no slope.
         if (_jumps)
             std::fill(_intervalSlopes.begin(), _intervalSlopes.end(), ZorWBIntervalNoSlope());
         _scratch = factory.GetEnvironment();
     }
-    ExecuteValues(factory.GetEnvironment(), slopes);
+    ExecuteValues(factory.GetEnvironment());
 }
 
-void ZorWBRealProgram::ExecuteValues(const ZorWBEnvironment& environment, bool slopes) {
+void ZorWBRealProgram::ExecuteValues(const ZorWBEnvironment& environment) {
     const FunctionTable& functions = Functions();
     ZorWBValue* v = _values.data();
     const Instruction* code = _code.data();
@@ -132,7 +131,6 @@ void ZorWBRealProgram::ExecuteValues(const ZorWBEnvironment& environment, bool s
                 environment.InitForEval();
                 break;
             case Op::Slope: {
-                if (!slopes) break;
                 const std::size_t first = static_cast<std::size_t>(in.a);
                 ZorWBIntervalSlopes(*in.node, v, &_arguments[first], in.b, v[in.dst], _scratch,
                                     &_intervalSlopes[first]);

@@ -130,6 +130,10 @@ class AnyKindGraph {
             }
             case 7:
                 // A comparison mostly, so that the condition is a boolean.
+                if (!branches) {
+                    node = _f.CreateMax(Pick(), Pick());
+                    break;
+                }
                 node = _f.CreateIfThenElse(Index(3) ? _f.CreateLessEqual(Pick(), Pick()) : Pick(),
                                            Pick(), Pick());
                 break;
@@ -160,6 +164,9 @@ class AnyKindGraph {
     std::vector<ZorWBExpression*> nodes;
     // Off, the nodes that would call the black box are other binary nodes.
     bool callsBlackBoxes = true;
+    // Off, the nodes that would be IfThenElse are Max nodes: the graph has
+    // no branch.
+    bool branches = true;
 
   private:
     ZorWBFactory& _f;
