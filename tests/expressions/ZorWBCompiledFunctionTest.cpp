@@ -547,6 +547,7 @@ TEST(ZorWBCompiledFunction, RefusesToRunOnceTheGraphChangedOrTheFactoryIsGone) {
 }
 
 TEST(ZorWBCompiledFunction, RefusesWhatItCannotCompileOrRun) {
+    CountingBlackBox blackBox;  // outlives the factory that calls it
     ZorWBFactory f;
     ZorWBFactory other;
     ZorWBVariable* x = f.CreateVariable();
@@ -589,7 +590,6 @@ TEST(ZorWBCompiledFunction, RefusesWhatItCannotCompileOrRun) {
     EXPECT_EQ(function.GetIntervalResult(5).GetType(), ZorWBUndefinedType);
 
     // A black box: residuals only. An integral: no derivatives.
-    CountingBlackBox blackBox;
     ZorWBExpression* arguments[] = {x, y};
     const ZorWBExpression* call = f.DeclareBlackBox(&blackBox, 2, arguments, false);
     ZorWBCompiledFunction calling(1, &call, 2, both);
@@ -611,6 +611,7 @@ TEST(ZorWBCompiledFunction, RefusesWhatItCannotCompileOrRun) {
 // evaluation count, whatever the compiled function is asked; but for the
 // variables under a black-box call, which hold the last point.
 TEST(ZorWBCompiledFunction, CallsLeaveTheVariablesAndBuffersAlone) {
+    CountingBlackBox blackBox;  // outlives the factory that calls it
     ZorWBFactory f;
     RandomGraph graph(f, 21, 4);
     for (int i = 0; i < 40; ++i)
@@ -641,7 +642,6 @@ TEST(ZorWBCompiledFunction, CallsLeaveTheVariablesAndBuffersAlone) {
         EXPECT_TRUE(root->IsBufferValid());
     EXPECT_EQ(f.GetNbOfEvaluations(), evaluations);
 
-    CountingBlackBox blackBox;
     ZorWBExpression* arguments[] = {graph.variables[0], f.CreateSin(graph.variables[1])};
     const ZorWBExpression* call = f.DeclareBlackBox(&blackBox, 2, arguments, false);
     ZorWBCompiledFunction calling(1, &call, 4, graph.variables.data());
