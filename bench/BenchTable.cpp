@@ -311,10 +311,10 @@ void PrintRatio(const char* what, double numerator, double denominator, double m
 void PrintLimit(const char* what, double measured, double maximum, const char* unit) {
     std::string achieved = "-", verdict = "not measured";
     if (measured > 0.0) {
-        achieved = Number(measured) + " " + unit;
+        achieved = Number(measured) + unit;
         verdict = measured <= maximum ? "met" : "missed by " + Number(measured / maximum) + "x";
     }
-    std::string target = "<= " + Number(maximum) + " " + unit;
+    std::string target = "<= " + Number(maximum) + unit;
     std::printf("| %-62s | %9s | %8s | %-18s |\n", what, achieved.c_str(), target.c_str(),
                 verdict.c_str());
 }
@@ -354,7 +354,7 @@ void PrintCompiledTargets() {
     for (const auto& g : growing) {
         for (const char* workload : {"chain", "trig"})
             PrintRatio((std::string(g.task) + ", " + workload + ": " +
-                        DisplayName(g.task, g.contestant) + " per node, N=10000 / N=1000")
+                        DisplayName(g.task, g.contestant) + ", 10000 / 1000")
                            .c_str(),
                        Figure(g.task, workload, g.contestant, PerNode, 10000),
                        Figure(g.task, workload, g.contestant, PerNode), 0.0, 1.5);
@@ -419,6 +419,7 @@ void PrintTargets() {
                Figure("parse", "statements", "zorwbx_parse", MegabytesPerSecond, 10000),
                Figure("parse", "statements", "ginac", MegabytesPerSecond, 10000), 3.0, 0.0);
     PrintCompiledTargets();
+    std::printf("\n10000 / 1000: the cost per node at N = 10000 over that at N = 1000.\n");
     std::printf("\nBytes per node (reported beside GiNaC's, no target):");
     for (const char* workload : {"chain", "trig"})
         std::printf(" %s: ZorWBx %s, GiNaC %s.", workload,
