@@ -133,6 +133,10 @@ const Section sections[] = {
      "Chain as one equation per term: change one variable, read every root "
      "(us per update)",
      Micro},
+    {"jacobian",
+     "Chain and trig as one equation per term at a new point: residuals, and residuals with "
+     "the sparse Jacobian (us per call)",
+     Micro},
     {"derivative", "Differentiation by one of ten variables (us per derivative)", Micro},
     {"parse", "Parsing (MB/s, 10^6 bytes)", MegabytesPerSecond},
     {"eliminate", "Elimination of a sparse linear system (ms per run)", Milli},
@@ -141,9 +145,24 @@ const Section sections[] = {
 };
 
 const char* const workloadOrder[] = {"chain", "trig", "statements", "model", "sparse", "mixed"};
-const char* const contestantOrder[] = {
-    "zorwbx_eval",       "zorwbx_value", "zorwbx_set", "zorwbx", "zorwbx_mode2", "zorwbx_parse",
-    "zorwbx_parse_fill", "loop",         "muparser",   "ginac",  "boost"};
+const char* const contestantOrder[] = {"zorwbx_eval",
+                                       "zorwbx_value",
+                                       "zorwbx_set",
+                                       "zorwbx_function",
+                                       "zorwbx_residuals",
+                                       "zorwbx_jacobian",
+                                       "zorwbx",
+                                       "zorwbx_mode2",
+                                       "zorwbx_parse",
+                                       "zorwbx_parse_fill",
+                                       "loop",
+                                       "loop_residuals",
+                                       "loop_jacobian",
+                                       "muparser",
+                                       "muparser_residuals",
+                                       "ginac",
+                                       "ginac_jacobian",
+                                       "boost"};
 
 int Rank(const std::string& name, const char* const* order, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i)
@@ -156,6 +175,13 @@ std::string DisplayName(const std::string& task, const std::string& contestant) 
         {"zorwbx_eval", "ZorWBx Eval()"},
         {"zorwbx_value", "ZorWBx GetValue()"},
         {"zorwbx_set", "(ZorWBx: setting inputs only)"},
+        {"zorwbx_function", "ZorWBx compiled function"},
+        {"zorwbx_residuals", "ZorWBx residuals"},
+        {"zorwbx_jacobian", "ZorWBx residuals + Jacobian"},
+        {"loop_residuals", "compiled loop, residuals"},
+        {"loop_jacobian", "compiled loop, residuals + Jacobian"},
+        {"muparser_residuals", "muparser, residuals"},
+        {"ginac_jacobian", "GiNaC subs + evalf of both"},
         {"zorwbx", "ZorWBx"},
         {"zorwbx_mode2", "ZorWBx, mode 2"},
         {"zorwbx_parse", "ZorWBx Parse"},
@@ -281,6 +307,60 @@ void PrintRatio(const char* what, double numerator, double denominator, double m
                 verdict.c_str());
 }
 
+// measured should stay at most maximum (in unit).
+void PrintLimit(const char* what, double measured, double maximum, const char* unit) {
+    std::string achieved = "-", verdict = "not measured";
+    if (measured > 0.0) {
+        achieved = Number(measured) + unit;
+        verdict = measured <= maximum ? "met" : "missed by " + Number(measured / maximum) + "x";
+    }
+    std::string target = "<= " + Number(maximum) + unit;
+    std::printf("| %-62s | %9s | %8s | %-18s |\n", what, achieved.c_str(), target.c_str(),
+                verdict.c_str());
+}
+
+// The targets of the compiled functions, their Jacobians and the interval
+// evaluation, in the table of ratios.
+void PrintCompiledTargets() {
+    for (const char* workload : {"chain", "trig"})
+        PrintRatio(
+            (std::string("real, ") + workload + ": muparser / ZorWBx compiled function per node")
+                .c_str(),
+            Figure("real", workload, "muparser", PerNode),
+            Figure("real", workload, "zorwbx_function", PerNode), 3.0, 0.0);
+    PrintRatio("system, chain: ZorWBx residuals + Jacobian / residuals",
+               Figure("jacobian", "chain", "zorwbx_jacobian", Micro),
+               Figure("jacobian", "chain", "zorwbx_residuals", Micro), 0.0, 4.0);
+    const struct {
+        const char* workload;
+        double maximum;
+    } intervalLimits[] = {{"chain", 3.0}, {"trig", 20.0}};
+    for (const auto& limit : intervalLimits) {
+        for (const char* contestant : {"zorwbx_value", "zorwbx_function"})
+            PrintLimit((std::string("interval, ") + limit.workload + ": " +
+                        DisplayName("interval", contestant) + " per node")
+                           .c_str(),
+                       Figure("interval", limit.workload, contestant, PerNode), limit.maximum,
+                       "ns");
+    }
+    const struct {
+        const char* task;
+        const char* contestant;
+    } growing[] = {{"real", "zorwbx_function"},
+                   {"interval", "zorwbx_value"},
+                   {"interval", "zorwbx_function"},
+                   {"jacobian", "zorwbx_residuals"},
+                   {"jacobian", "zorwbx_jacobian"}};
+    for (const auto& g : growing) {
+        for (const char* workload : {"chain", "trig"})
+            PrintRatio((std::string(g.task) + ", " + workload + ": " +
+                        DisplayName(g.task, g.contestant) + ", 10000 / 1000")
+                           .c_str(),
+                       Figure(g.task, workload, g.contestant, PerNode, 10000),
+                       Figure(g.task, workload, g.contestant, PerNode), 0.0, 1.5);
+    }
+}
+
 void PrintTargets() {
     std::printf(
         "\nPeers against the figures of the reference machine (N = 1000; the last column "
@@ -338,6 +418,8 @@ void PrintTargets() {
     PrintRatio("parsing: ZorWBx Parse / GiNaC parser, MB/s",
                Figure("parse", "statements", "zorwbx_parse", MegabytesPerSecond, 10000),
                Figure("parse", "statements", "ginac", MegabytesPerSecond, 10000), 3.0, 0.0);
+    PrintCompiledTargets();
+    std::printf("\n10000 / 1000: the cost per node at N = 10000 over that at N = 1000.\n");
     std::printf("\nBytes per node (reported beside GiNaC's, no target):");
     for (const char* workload : {"chain", "trig"})
         std::printf(" %s: ZorWBx %s, GiNaC %s.", workload,

@@ -69,6 +69,25 @@ std::unique_ptr<ZorWBxFormula> BuildZorWBx(const Formula& formula, bool asSystem
     return built;
 }
 
+std::unique_ptr<ZorWBCompiledFunction> CompileZorWBx(ZorWBxFormula& z) {
+    std::vector<const ZorWBExpression*> roots;
+    if (z.root) {
+        roots.push_back(z.root);
+    } else {
+        roots.assign(z.terms.begin(), z.terms.end());
+    }
+    return std::make_unique<ZorWBCompiledFunction>(static_cast<int>(roots.size()), roots.data(),
+                                                   static_cast<int>(z.variables.size()),
+                                                   z.variables.data());
+}
+
+std::vector<ZorWBRealInterval> Box(const std::vector<double>& values, double width) {
+    std::vector<ZorWBRealInterval> box;
+    for (double v : values)
+        box.push_back({v, v + width});
+    return box;
+}
+
 int CountNodes(const std::vector<const ZorWBExpression*>& roots) {
     std::unordered_set<const ZorWBExpression*> seen;
     std::vector<const ZorWBExpression*> stack(roots.begin(), roots.end());

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "BenchFormula.h"
+#include "expressions/ZorWBCompiledFunction.h"
 #include "expressions/ZorWBExpression.h"
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBVariable.h"
@@ -32,6 +33,12 @@ void BuildInto(ZorWBFactory& factory, const Formula& formula, bool asSystem, Zor
 std::unique_ptr<ZorWBxFormula> BuildZorWBx(const Formula& formula, bool asSystem);
 // Distinct nodes reachable from the roots.
 int CountNodes(const std::vector<const ZorWBExpression*>& roots);
+
+// The whole sum (or, for a system, every term) compiled over every
+// variable, in the formula's variable order.
+std::unique_ptr<ZorWBCompiledFunction> CompileZorWBx(ZorWBxFormula& z);
+// The formula's input values as intervals [v, v + width].
+std::vector<ZorWBRealInterval> Box(const std::vector<double>& values, double width);
 
 void SetReals(const std::vector<ZorWBVariable*>& variables, const std::vector<double>& values);
 void SetIntervals(const std::vector<ZorWBVariable*>& variables, const std::vector<double>& values,

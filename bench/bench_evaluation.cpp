@@ -1,10 +1,12 @@
 // Evaluation of a whole workload formula, the chain and the trig sums, at
 // every size: with reals (ZorWBx's Eval() to a double and GetValue() to a
-// value, the compiled loop, muparser, GiNaC's subs + evalf) and with inputs
-// of width 1e-3 (ZorWBx's real intervals through GetValue, Boost.Interval in
-// the compiled loop). Each iteration changes every input first; the
-// compiled loops switch between two input arrays, the others are given the
-// new values through their own API, which is part of what they cost.
+// value, a ZorWBx compiled function at a point, the compiled loop,
+// muparser, GiNaC's subs + evalf) and with inputs of width 1e-3 (ZorWBx's
+// real intervals through GetValue and a compiled function over a box,
+// Boost.Interval in the compiled loop). Each iteration changes every input
+// first; the compiled loops switch between two input arrays, the others are
+// given the new values through their own API, which is part of what they
+// cost (the compiled function copies the point given into its registers).
 
 #include "BenchInputs.h"
 #include "BenchLoops.h"
@@ -70,6 +72,26 @@ void ZorWBxValue(benchmark::State& state, Workload workload, int n) {
     for (auto _ : state) {
         SetReals(z.variables, inputs.Next());
         Keep(z.root->GetValue().GetAsReal());
+    }
+}
+
+ZorWBCompiledFunction& ZorWBxCompiledSum(Workload workload, int n) {
+    return Cached<ZorWBCompiledFunction>(Key(workload, n),
+                                         [&] { return CompileZorWBx(ZorWBxSum(workload, n)); });
+}
+
+void ZorWBxFunction(benchmark::State& state, Workload workload, int n) {
+    const Formula& formula = FormulaFor(workload, n);
+    SetNodes(state, ZorWBxSum(workload, n).nodes);
+    ZorWBCompiledFunction& function = ZorWBxCompiledSum(workload, n);
+    double result = 0.0;
+    if (function.Evaluate(formula.base.data(), &result) != ZorWBCompiledStatus::Ok)
+        return Fail(state, "the compiled function refused to run");
+    if (!AgreesOnWhole(state, formula, result)) return;
+    Alternation inputs(formula);
+    for (auto _ : state) {
+        function.Evaluate(inputs.Next().data(), &result);
+        Keep(result);
     }
 }
 
@@ -154,6 +176,24 @@ void ZorWBxInterval(benchmark::State& state, Workload workload, int n) {
     }
 }
 
+void ZorWBxFunctionInterval(benchmark::State& state, Workload workload, int n) {
+    const Formula& formula = FormulaFor(workload, n);
+    SetNodes(state, ZorWBxSum(workload, n).nodes);
+    ZorWBCompiledFunction& function = ZorWBxCompiledSum(workload, n);
+    const std::vector<ZorWBRealInterval> base = Box(formula.base, Width);
+    const std::vector<ZorWBRealInterval> shifted = Box(formula.shifted, Width);
+    ZorWBRealInterval result;
+    if (function.EvaluateIntervals(base.data(), &result) != ZorWBCompiledStatus::Ok)
+        return Fail(state, "the compiled function refused to run");
+    if (!AgreesOnInterval(state, formula, {result.low, result.high})) return;
+    bool flip = false;
+    for (auto _ : state) {
+        flip = !flip;
+        function.EvaluateIntervals((flip ? shifted : base).data(), &result);
+        Keep(result.low + result.high);
+    }
+}
+
 #ifdef ZORWBX_BENCH_BOOST
 void BoostInterval(benchmark::State& state, Workload workload, int n) {
     const Formula& formula = FormulaFor(workload, n);
@@ -178,6 +218,7 @@ int main(int argc, char** argv) {
     RegisterEach("real", "zorwbx_eval", benchmark::kNanosecond, ZorWBxEval);
     RegisterEach("real", "zorwbx_value", benchmark::kNanosecond, ZorWBxValue);
     RegisterEach("real", "zorwbx_set", benchmark::kNanosecond, ZorWBxSetInputs);
+    RegisterEach("real", "zorwbx_function", benchmark::kNanosecond, ZorWBxFunction);
     RegisterEach("real", "loop", benchmark::kNanosecond, CompiledLoop);
 #ifdef ZORWBX_BENCH_MUPARSER
     RegisterEach("real", "muparser", benchmark::kNanosecond, Muparser);
@@ -186,6 +227,7 @@ int main(int argc, char** argv) {
     RegisterEach("real", "ginac", benchmark::kMicrosecond, Ginac);
 #endif
     RegisterEach("interval", "zorwbx_value", benchmark::kNanosecond, ZorWBxInterval);
+    RegisterEach("interval", "zorwbx_function", benchmark::kNanosecond, ZorWBxFunctionInterval);
 #ifdef ZORWBX_BENCH_BOOST
     RegisterEach("interval", "boost", benchmark::kNanosecond, BoostInterval);
 #endif

@@ -5,7 +5,10 @@
 // and the total divided by the repetitions is the cost of one run.
 // Workloads: real-chain real-trig interval-chain interval-trig system
 // derivative parse parse-fill remove-deep; real-chain-walk and real-trig-walk
-// evaluate without compiled programs.
+// evaluate without compiled programs; function-chain and function-trig
+// evaluate the sum by a compiled function at a point,
+// function-interval-chain and function-interval-trig over a box; residuals-system and
+// jacobian-system the system's residuals, and with its sparse Jacobian.
 
 #include <algorithm>
 #include <chrono>
@@ -15,7 +18,9 @@
 #include <functional>
 #include <random>
 #include <string>
+#include <vector>
 
+#include "expressions/ZorWBCompiledFunction.h"
 #include "speed_workloads.h"
 
 namespace {
@@ -48,7 +53,9 @@ int Usage() {
     std::fprintf(stderr,
                  "usage: speed_profile WORKLOAD TIMES\n"
                  "  real-chain real-trig interval-chain interval-trig system derivative\n"
-                 "  parse parse-fill remove-deep\n");
+                 "  parse parse-fill remove-deep function-chain function-trig\n"
+                 "  function-interval-chain function-interval-trig residuals-system\n"
+                 "  jacobian-system\n");
     return 2;
 }
 
@@ -82,6 +89,42 @@ int main(int argc, char** argv) {
         } else {
             Repeat(times, [&] { sink += root->Eval(); });
         }
+    } else if (name == "function-chain" || name == "function-trig" ||
+               name == "function-interval-chain" || name == "function-interval-trig" ||
+               name == "residuals-system" || name == "jacobian-system") {
+        bool system = name.find("system") != std::string::npos;
+        std::string text = system ? speed::SystemText(NbOfTerms, speed::ChainTerm)
+                           : trig ? speed::SumText(NbOfTerms, speed::TrigTerm)
+                                  : speed::SumText(NbOfTerms, speed::ChainTerm);
+        std::vector<ZorWBExpression*> filled = speed::Fill(factory, text);
+        std::vector<const ZorWBExpression*> roots(filled.begin(), filled.end());
+        std::vector<ZorWBVariable*> variables;
+        for (int i = 0; i < factory.GetNbOfVariables(); ++i)
+            variables.push_back(factory.GetVariable(i));
+        ZorWBCompiledFunction function(static_cast<int>(roots.size()), roots.data(),
+                                       static_cast<int>(variables.size()), variables.data());
+        std::vector<double> point(variables.size());
+        std::vector<ZorWBRealInterval> box(variables.size());
+        for (std::size_t i = 0; i < point.size(); ++i) {
+            point[i] = 0.5 + std::fmod(0.6180339887498949 * static_cast<double>(i), 1.0);
+            box[i] = {point[i] - 0.005, point[i] + 0.005};
+        }
+        std::vector<double> residuals(roots.size());
+        std::vector<double> jacobian(static_cast<std::size_t>(function.GetNbOfNonZeros()));
+        std::vector<ZorWBRealInterval> images(roots.size());
+        std::printf("%d roots, %d variables, %d entries\n", static_cast<int>(roots.size()),
+                    static_cast<int>(variables.size()), function.GetNbOfNonZeros());
+        Repeat(times, [&] {
+            if (name == "jacobian-system") {
+                function.EvaluateJacobian(point.data(), residuals.data(), jacobian.data());
+            } else if (name.rfind("function-interval", 0) == 0) {
+                function.EvaluateIntervals(box.data(), images.data());
+                residuals[0] = images[0].high;
+            } else {
+                function.Evaluate(point.data(), residuals.data());
+            }
+            sink += residuals[0];
+        });
     } else if (name == "system") {
         auto roots = speed::Fill(factory, speed::SystemText(NbOfTerms, speed::ChainTerm));
         speed::SetVariables(factory, false);

@@ -34,6 +34,7 @@
 
 #include "expressions/ZorWBBlackBox.h"
 #include "expressions/ZorWBBlackBoxOperator.h"
+#include "expressions/ZorWBCompiledFunction.h"
 #include "expressions/ZorWBConstant.h"
 #include "expressions/ZorWBDerivBlackBox.h"
 #include "expressions/ZorWBEquation.h"

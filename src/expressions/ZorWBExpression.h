@@ -225,8 +225,9 @@ class ZORWBX_API ZorWBExpression {
     int RunEvaluation() const;
     const ZorWBValue& ComputeValue() const;
     // Computes the value field from the children's values and records it
-    // (previous value, valid flag); folded: the fold of a Sum, Product, Min
-    // or Max has left it there already (see ZorWBOperator::FoldValue).
+    // (previous value, valid flag); folded: the value is in place already
+    // (left by the fold of a Sum, Product, Min or Max, see
+    // ZorWBOperator::FoldValue, or by a shortcut of a compiled program).
     void FinishValue(bool folded) const;
     static int NextIfThenElseChild(const ZorWBExpression* node, int position, bool real);
     bool ValidatesWithoutOwnFlag() const;

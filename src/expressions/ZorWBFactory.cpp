@@ -11,6 +11,7 @@
 #include <unordered_map>
 
 #include "expressions/ZorWBBlackBoxOperator.h"
+#include "expressions/ZorWBCompiledFunction.h"
 #include "expressions/ZorWBEquation.h"
 #include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBProgramCache.h"
@@ -40,6 +41,8 @@ void ZorWBFactory::Initialize() {
 // Everything goes, so the nodes skip telling each other.
 ZorWBFactory::~ZorWBFactory() {
     _destroying = true;
+    for (ZorWBCompiledFunction* function : _compiledFunctions)
+        function->ForgetFactory();
     _realPrograms.reset();
     _valuePrograms.reset();
     for (int i = _expressions.GetSize() - 1; i >= 0; --i)

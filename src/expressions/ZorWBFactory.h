@@ -20,6 +20,7 @@
 
 class ZorWBBlackBoxOperator;
 class ZorWBCalculusSession;
+class ZorWBCompiledFunction;
 class ZorWBDerivBlackBox;
 class ZorWBEquation;
 class ZorWBOperator;
@@ -665,6 +666,7 @@ class ZORWBX_API ZorWBFactory {
     friend class ZorWBValueProgram;
     friend class ZorWBCalculusSession;
     friend class ZorWBIntegrateOperator;
+    friend class ZorWBCompiledFunction;
 
     // One step of the explicit stack of an evaluation.
     struct EvalFrame {
@@ -791,6 +793,8 @@ class ZORWBX_API ZorWBFactory {
     std::unique_ptr<ZorWBProgramCache<ZorWBValueProgram>> _valuePrograms;
     bool _realProgramsEnabled = true;
     bool _fastValues = true;
+    // The compiled functions alive, told when the factory goes.
+    std::vector<ZorWBCompiledFunction*> _compiledFunctions;
 };
 
 #endif

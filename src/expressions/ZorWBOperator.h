@@ -61,16 +61,17 @@ class ZORWBX_API ZorWBOperator : public ZorWBExpression {
     friend class ZorWBValueProgramCompiler;
     bool ReplaceChildUnchecked(int i, ZorWBExpression* child);
     ZorWBExpression* ChildAt(int i) const { return _children[i]; }
-    // Computes the value field for the most frequent kinds (real intervals
-    // with integers, reals and real intervals) without the kind dispatch of
-    // the value functions, as DoEval would; false, touching nothing, for
-    // any other case. Not for the folds, which go step by step.
+    // Computes the value field through the shortcut of the type
+    // (ZorWBOperatorFunctions.h), as DoEval would; false, touching nothing,
+    // where the shortcut does not apply. Not for the folds, which go step
+    // by step.
     bool EvaluateFast() const;
     // One step of the left fold of a Sum, Product, Min or Max, taken as soon
     // as child i is ready, before the next child is asked for: the value
     // field (the real of the real evaluation) takes child 0, then combines
-    // with child i. A child computed at every request (unbuffered) thus
-    // enters the fold with the value of its own request.
+    // with child i, through the shortcut of the type where it applies. A
+    // child computed at every request (unbuffered) thus enters the fold with
+    // the value of its own request.
     void FoldValue(int i) const;
     void FoldReal(int i) const;
     // Whether the value fold reads a buffered first child at the second
@@ -79,10 +80,6 @@ class ZORWBX_API ZorWBOperator : public ZorWBExpression {
     bool KeepsFirstOperand() const {
         return _nbOfChildren >= 2 && _children[0]->AllowsBufferEval();
     }
-    // The value fold step running (op) child into the value field for a real
-    // interval and a child that combines with it into a real interval,
-    // without the kind dispatch; false, touching nothing, for any other pair.
-    bool FoldFast(const ZorWBValue& running, const ZorWBValue& child) const;
     // Drops every child position holding a node for which drop(node) holds,
     // without telling the children; whether one of them was unbuffered.
     template <class Drop>

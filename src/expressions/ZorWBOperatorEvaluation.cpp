@@ -1,12 +1,14 @@
 // How each operator family evaluates: one row per type, pairing the value
-// function of the type with its real-number counterpart, so that adding a
-// type to a family is adding a row.
+// function of the type with its real-number counterpart and, for the most
+// frequent types, its shortcut on real intervals (ZorWBOperatorFunctions.h),
+// so that adding a type to a family is adding a row.
 
 #include <cmath>
 #include <limits>
 
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBOperator.h"
+#include "expressions/ZorWBOperatorFunctions.h"
 #include "expressions/ZorWBRealFunctions.h"
 #include "values/ZorWBIntervalFunctions.h"
 #include "values/ZorWBIntervalRules.h"
@@ -15,39 +17,96 @@
 namespace {
 
 using Type = ZorWBExpressionType;
-using UnaryValueFunction = ZorWBValue (*)(const ZorWBEnvironment&, const ZorWBValue&);
-using BinaryValueFunction = ZorWBValue (*)(const ZorWBEnvironment&, const ZorWBValue&,
-                                           const ZorWBValue&);
+using UnaryValueFunction = ZorWBUnaryValueFunction;
+using BinaryValueFunction = ZorWBBinaryValueFunction;
 using UnaryRealFunction = ZorWBUnaryRealFunction;
 using BinaryRealFunction = ZorWBBinaryRealFunction;
 using LogicalRealFunction = ZorWBLogicalRealFunction;
 
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
-// The interval function of a type whose value function, on a real interval
-// (and on an interval paired with an integer, a real or an interval for two
-// operands), applies it and nothing else: the shortcut of ZorWBOperator::
-// EvaluateFast. Null for the other types.
 using UnaryIntervalFunction = ZorWBRealInterval (*)(const ZorWBEnvironment&,
                                                     const ZorWBRealInterval&);
 using BinaryIntervalFunction = ZorWBRealInterval (*)(const ZorWBEnvironment&,
                                                      const ZorWBRealInterval&,
                                                      const ZorWBRealInterval&);
 
+// The shortcut of each type (ZorWBOperatorFunctions.h) sits in its row.
 struct UnaryKind {
     UnaryValueFunction value;
     UnaryRealFunction real;
-    UnaryIntervalFunction interval = nullptr;
+    ZorWBValueShortcut shortcut = nullptr;
 };
 struct BinaryKind {
     BinaryValueFunction value;
     BinaryRealFunction real;
-    BinaryIntervalFunction interval = nullptr;
+    ZorWBValueShortcut shortcut = nullptr;
 };
 struct LogicalKind {
     BinaryValueFunction value;
     LogicalRealFunction real;
 };
+
+// ------------------------------------------------------------ shortcuts
+
+// The kinds that combine with a real interval into a real interval, with no
+// enumeration, fraction or boolean to dispatch on.
+inline bool IsIntervalOperand(ZorWBValueType type) {
+    return type == ZorWBRealIntervalType || type == ZorWBRealType || type == ZorWBIntegerType;
+}
+
+inline bool IsIntervalPair(const ZorWBValue& a, const ZorWBValue& b) {
+    return IsIntervalOperand(a.GetType()) && IsIntervalOperand(b.GetType()) &&
+           (a.GetType() == ZorWBRealIntervalType || b.GetType() == ZorWBRealIntervalType);
+}
+
+// A fold step: the rule on the readings of the pair, recording the
+// environment on the operand folded in (the one recorded on the running
+// value goes with the assignment of the result).
+template <BinaryIntervalFunction Rule>
+bool FoldShortcut(const ZorWBEnvironment& e, const ZorWBValue& running, const ZorWBValue& operand,
+                  ZorWBValue& result) {
+    if (!IsIntervalPair(running, operand)) return false;
+    ZorWBRealInterval image = Rule(e, running.GetAsRealInterval(), operand.GetAsRealInterval());
+    operand.RecordEnv(e);
+    result.AssignResult(image);
+    return true;
+}
+
+bool QuotientShortcut(const ZorWBEnvironment& e, const ZorWBValue& a, const ZorWBValue& b,
+                      ZorWBValue& result) {
+    if (!IsIntervalPair(a, b)) return false;
+    ZorWBRealInterval left = a.GetAsRealInterval();
+    ZorWBRealInterval right = b.GetAsRealInterval();
+    a.RecordEnv(e);
+    b.RecordEnv(e);
+    result.AssignResult(ZorWBDiv(e, left, right));
+    return true;
+}
+
+// Only a single integral exponent has a power of its own.
+bool PowerShortcut(const ZorWBEnvironment& e, const ZorWBValue& base, const ZorWBValue& exponent,
+                   ZorWBValue& result) {
+    if (!IsIntervalPair(base, exponent)) return false;
+    ZorWBRealInterval right = exponent.GetAsRealInterval();
+    bool single = right.low == right.high && std::floor(right.low) == right.low &&
+                  std::fabs(right.low) <= ZorWBIntegerMax;
+    if (!single) return false;
+    ZorWBRealInterval left = base.GetAsRealInterval();
+    base.RecordEnv(e);
+    exponent.RecordEnv(e);
+    result.AssignResult(ZorWBIntervalRules::PowerOf(e, left, static_cast<int>(right.low)));
+    return true;
+}
+
+template <UnaryIntervalFunction Function>
+bool UnaryShortcut(const ZorWBEnvironment& e, const ZorWBValue& a, const ZorWBValue&,
+                   ZorWBValue& result) {
+    if (a.GetType() != ZorWBRealIntervalType) return false;
+    a.RecordEnv(e);
+    result.AssignResult(Function(e, a.GetAsRealInterval()));
+    return true;
+}
 
 // The real n-th root: odd roots of negative numbers are negative.
 double RealRoot(double x, double degree) {
@@ -65,32 +124,32 @@ UnaryKind UnaryKindOf(Type type) {
     using V = const ZorWBValue&;
     switch (type) {
         // clang-format off
-        case Type::Sqrt:       return {ZorWBSqrt, [](double x) { return std::sqrt(x); }, ZorWBSqrt};
-        case Type::Log:        return {ZorWBLog, [](double x) { return std::log10(x); }, ZorWBLog};
-        case Type::Ln:         return {ZorWBLn, [](double x) { return std::log(x); }, ZorWBLn};
-        case Type::Exp:        return {ZorWBExp, [](double x) { return std::exp(x); }, ZorWBExp};
-        case Type::Abs:        return {ZorWBAbs, [](double x) { return std::fabs(x); }, ZorWBAbs};
+        case Type::Sqrt:       return {ZorWBSqrt, [](double x) { return std::sqrt(x); }, UnaryShortcut<ZorWBSqrt>};
+        case Type::Log:        return {ZorWBLog, [](double x) { return std::log10(x); }, UnaryShortcut<ZorWBLog>};
+        case Type::Ln:         return {ZorWBLn, [](double x) { return std::log(x); }, UnaryShortcut<ZorWBLn>};
+        case Type::Exp:        return {ZorWBExp, [](double x) { return std::exp(x); }, UnaryShortcut<ZorWBExp>};
+        case Type::Abs:        return {ZorWBAbs, [](double x) { return std::fabs(x); }, UnaryShortcut<ZorWBAbs>};
         case Type::Ceil:       return {ZorWBCeil, [](double x) { return std::ceil(x); }};
         case Type::Floor:      return {ZorWBFloor, [](double x) { return std::floor(x); }};
         case Type::Round:      return {[](E e, V a) { return ZorWBRound(e, a); },
                                        [](double x) { return std::round(x); }};
         case Type::Trunc:      return {ZorWBTrunc, [](double x) { return std::trunc(x); }};
         case Type::UnaryMinus: return {ZorWBUnaryMinus, [](double x) { return -x; }};
-        case Type::Sin:        return {ZorWBSin, [](double x) { return std::sin(x); }, ZorWBSin};
-        case Type::Cos:        return {ZorWBCos, [](double x) { return std::cos(x); }, ZorWBCos};
-        case Type::Tan:        return {ZorWBTan, [](double x) { return std::tan(x); }, ZorWBTan};
+        case Type::Sin:        return {ZorWBSin, [](double x) { return std::sin(x); }, UnaryShortcut<ZorWBSin>};
+        case Type::Cos:        return {ZorWBCos, [](double x) { return std::cos(x); }, UnaryShortcut<ZorWBCos>};
+        case Type::Tan:        return {ZorWBTan, [](double x) { return std::tan(x); }, UnaryShortcut<ZorWBTan>};
         case Type::Asin:       return {[](E e, V a) { return ZorWBAsin(e, a); },
                                        [](double x) { return std::asin(x); }};
         case Type::Acos:       return {[](E e, V a) { return ZorWBAcos(e, a); },
                                        [](double x) { return std::acos(x); }};
         case Type::Atan:       return {[](E e, V a) { return ZorWBAtan(e, a); },
                                        [](double x) { return std::atan(x); }};
-        case Type::Sinh:       return {ZorWBSinh, [](double x) { return std::sinh(x); }, ZorWBSinh};
-        case Type::Cosh:       return {ZorWBCosh, [](double x) { return std::cosh(x); }, ZorWBCosh};
-        case Type::Tanh:       return {ZorWBTanh, [](double x) { return std::tanh(x); }, ZorWBTanh};
-        case Type::Asinh:      return {ZorWBAsinh, [](double x) { return std::asinh(x); }, ZorWBAsinh};
-        case Type::Acosh:      return {ZorWBAcosh, [](double x) { return std::acosh(x); }, ZorWBAcosh};
-        case Type::Atanh:      return {ZorWBAtanh, [](double x) { return std::atanh(x); }, ZorWBAtanh};
+        case Type::Sinh:       return {ZorWBSinh, [](double x) { return std::sinh(x); }, UnaryShortcut<ZorWBSinh>};
+        case Type::Cosh:       return {ZorWBCosh, [](double x) { return std::cosh(x); }, UnaryShortcut<ZorWBCosh>};
+        case Type::Tanh:       return {ZorWBTanh, [](double x) { return std::tanh(x); }, UnaryShortcut<ZorWBTanh>};
+        case Type::Asinh:      return {ZorWBAsinh, [](double x) { return std::asinh(x); }, UnaryShortcut<ZorWBAsinh>};
+        case Type::Acosh:      return {ZorWBAcosh, [](double x) { return std::acosh(x); }, UnaryShortcut<ZorWBAcosh>};
+        case Type::Atanh:      return {ZorWBAtanh, [](double x) { return std::atanh(x); }, UnaryShortcut<ZorWBAtanh>};
         // clang-format on
         default:
             return {nullptr, nullptr};
@@ -102,12 +161,16 @@ BinaryKind BinaryKindOf(Type type) {
     using V = const ZorWBValue&;
     switch (type) {
         // clang-format off
-        case Type::Sum:      return {ZorWBSum, [](double a, double b) { return a + b; }, ZorWBSum};
-        case Type::Product:  return {ZorWBMul, [](double a, double b) { return a * b; }, ZorWBMul};
-        case Type::Min:      return {ZorWBMin, [](double a, double b) { return std::fmin(a, b); }, ZorWBMin};
-        case Type::Max:      return {ZorWBMax, [](double a, double b) { return std::fmax(a, b); }, ZorWBMax};
-        case Type::Quotient: return {ZorWBDiv, [](double a, double b) { return a / b; }, ZorWBDiv};
-        case Type::Power:    return {ZorWBPow, ZorWBRealPower};
+        case Type::Sum:      return {ZorWBSum, [](double a, double b) { return a + b; },
+                                     FoldShortcut<ZorWBIntervalRules::SumOf>};
+        case Type::Product:  return {ZorWBMul, [](double a, double b) { return a * b; },
+                                     FoldShortcut<ZorWBIntervalRules::ProductOf>};
+        case Type::Min:      return {ZorWBMin, [](double a, double b) { return std::fmin(a, b); },
+                                     FoldShortcut<ZorWBMin>};
+        case Type::Max:      return {ZorWBMax, [](double a, double b) { return std::fmax(a, b); },
+                                     FoldShortcut<ZorWBMax>};
+        case Type::Quotient: return {ZorWBDiv, [](double a, double b) { return a / b; }, QuotientShortcut};
+        case Type::Power:    return {ZorWBPow, ZorWBRealPower, PowerShortcut};
         case Type::Root:     return {[](E e, V a, V b) { return ZorWBRoot(e, a, b); }, RealRoot};
         case Type::Atan2:    return {[](E e, V y, V x) { return ZorWBAtan2(e, y, x); },
                                      [](double y, double x) { return std::atan2(y + 0.0, x); }};
@@ -154,6 +217,14 @@ ZorWBBinaryRealFunction ZorWBBinaryRealFunctionOf(ZorWBExpressionType type) {
 }
 ZorWBLogicalRealFunction ZorWBLogicalRealFunctionOf(ZorWBExpressionType type) {
     return LogicalKindOf(type).real;
+}
+
+ZorWBUnaryValueFunction ZorWBUnaryValueFunctionOf(ZorWBExpressionType type) {
+    return UnaryKindOf(type).value;
+}
+ZorWBBinaryValueFunction ZorWBBinaryValueFunctionOf(ZorWBExpressionType type) {
+    BinaryValueFunction binary = BinaryKindOf(type).value;
+    return binary ? binary : LogicalKindOf(type).value;
 }
 
 // ------------------------------------------------------------ Not
@@ -300,74 +371,30 @@ double ZorWBIfThenElseOperator::DoEval() const {
 
 // ------------------------------------------------------------ shortcuts
 
-namespace {
-
-// The kinds that combine with a real interval into a real interval, with no
-// enumeration, fraction or boolean to dispatch on.
-inline bool IsIntervalOperand(ZorWBValueType type) {
-    return type == ZorWBRealIntervalType || type == ZorWBRealType || type == ZorWBIntegerType;
+ZorWBValueShortcut ZorWBValueShortcutOf(ZorWBExpressionType type) {
+    ZorWBValueShortcut binary = BinaryKindOf(type).shortcut;
+    return binary ? binary : UnaryKindOf(type).shortcut;
 }
 
-inline bool IsIntervalPair(const ZorWBValue& a, const ZorWBValue& b) {
-    return IsIntervalOperand(a.GetType()) && IsIntervalOperand(b.GetType()) &&
-           (a.GetType() == ZorWBRealIntervalType || b.GetType() == ZorWBRealIntervalType);
-}
-
-}  // namespace
-
-// What the value functions do when the general kind dispatch picks a real
-// interval: the same interval function on the same readings, with the same
-// recorded environments (on every child) and the same result, a real
-// interval without environment. Children not yet evaluated, enumerations
-// and every other kind go the general way, as does a value field holding an
-// enumeration (whose assignment is not scalar).
+// The shortcut of the type on the children's values, when they are up to
+// date in the running walk. Children not yet evaluated, and a value field
+// holding an enumeration (whose assignment is not scalar), go the general
+// way. Not for the folds, which go step by step.
 bool ZorWBOperator::EvaluateFast() const {
     const ZorWBValueType current = _value.GetType();
     if (current == ZorWBIntegerEnumType || current == ZorWBRealEnumType) return false;
-    const ZorWBExpression* const* children = _children;
-    const int n = _nbOfChildren;
-    const ZorWBFactory& factory = *_factory;
-    const unsigned int walk = factory._valueWalk;
+    if (ZorWBIsFoldType(GetType())) return false;
+    ZorWBValueShortcut shortcut = ZorWBValueShortcutOf(GetType());
+    const int needed = GetType() == Type::Quotient || GetType() == Type::Power ? 2 : 1;
+    if (!shortcut || _nbOfChildren < needed) return false;
+    const unsigned int walk = _factory->_valueWalk;
     auto ready = [walk](const ZorWBExpression* child) -> const ZorWBValue* {
         bool done = (child->_flags & BufferValidFlag) || (walk != 0 && child->_walkMark == walk);
         return done ? &child->_value : nullptr;
     };
-    const ZorWBEnvironment& environment = factory._environment;
-    switch (GetType()) {
-        case Type::Quotient:
-        case Type::Power: {
-            if (n < 2) return false;
-            const ZorWBValue* base = ready(children[0]);
-            const ZorWBValue* exponent = ready(children[1]);
-            if (!base || !exponent || !IsIntervalPair(*base, *exponent)) return false;
-            ZorWBRealInterval left = base->GetAsRealInterval();
-            ZorWBRealInterval right = exponent->GetAsRealInterval();
-            if (GetType() == Type::Quotient) {
-                base->RecordEnv(environment);
-                exponent->RecordEnv(environment);
-                _value.AssignResult(ZorWBDiv(environment, left, right));
-                return true;
-            }
-            // Only a single integral exponent has a power of its own.
-            bool single = right.low == right.high && std::floor(right.low) == right.low &&
-                          std::fabs(right.low) <= ZorWBIntegerMax;
-            if (!single) return false;
-            base->RecordEnv(environment);
-            exponent->RecordEnv(environment);
-            _value.AssignResult(
-                ZorWBIntervalRules::PowerOf(environment, left, static_cast<int>(right.low)));
-            return true;
-        }
-        default: {
-            UnaryIntervalFunction function = UnaryKindOf(GetType()).interval;
-            if (!function || n < 1) return false;
-            const ZorWBValue* operand = ready(children[0]);
-            if (!operand || operand->GetType() != ZorWBRealIntervalType) return false;
-            operand->RecordEnv(environment);
-            _value.AssignResult(function(environment, operand->GetAsRealInterval()));
-            return true;
-        }
-    }
+    const ZorWBValue* a = ready(_children[0]);
+    const ZorWBValue* b = ready(_children[needed - 1]);
+    return a && b && shortcut(_factory->_environment, *a, *b, _value);
 }
 
 // ------------------------------------------------------------ fold steps
@@ -375,52 +402,23 @@ bool ZorWBOperator::EvaluateFast() const {
 void ZorWBOperator::FoldValue(int i) const {
     // The walk folds a child in once it is computed or found ready.
     const ZorWBValue& child = _children[i]->_value;
-    const bool fast = _factory->_fastValues;
     if (i == 0) {
         if (!KeepsFirstOperand()) _value = child;
         return;
     }
+    const BinaryKind kind = BinaryKindOf(GetType());
+    const ZorWBEnvironment& environment = _factory->_environment;
+    const bool fast = _factory->_fastValues && kind.shortcut;
     if (i == 1 && KeepsFirstOperand()) {
         const ZorWBValue& first = _children[0]->_value;
-        if (fast && FoldFast(first, child)) return;
+        if (fast && kind.shortcut(environment, first, child, _value)) return;
         _value = first;
     }
-    if (fast && FoldFast(_value, child)) return;
-    _value = BinaryKindOf(GetType()).value(GetEnvironment(), _value, child);
+    if (fast && kind.shortcut(environment, _value, child, _value)) return;
+    _value = kind.value(environment, _value, child);
 }
 
 void ZorWBOperator::FoldReal(int i) const {
     double child = _children[i]->_real;
     _real = i == 0 ? child : BinaryKindOf(GetType()).real(_real, child);
-}
-
-// What the value function of the fold does with a real interval and an
-// integer, a real or a real interval: the interval rule on their readings,
-// recording the environment on the child (the one recorded on the running
-// value goes with the assignment of the result).
-bool ZorWBOperator::FoldFast(const ZorWBValue& running, const ZorWBValue& child) const {
-    if (!IsIntervalPair(running, child)) return false;
-    const ZorWBEnvironment& e = _factory->_environment;
-    ZorWBRealInterval a = running.GetAsRealInterval();
-    ZorWBRealInterval b = child.GetAsRealInterval();
-    ZorWBRealInterval result;
-    switch (GetType()) {
-        case Type::Sum:
-            result = ZorWBIntervalRules::SumOf(e, a, b);
-            break;
-        case Type::Product:
-            result = ZorWBIntervalRules::ProductOf(e, a, b);
-            break;
-        case Type::Min:
-            result = ZorWBMin(e, a, b);
-            break;
-        case Type::Max:
-            result = ZorWBMax(e, a, b);
-            break;
-        default:
-            return false;
-    }
-    child.RecordEnv(e);
-    _value.AssignResult(result);
-    return true;
 }

@@ -39,11 +39,20 @@ class ZorWBValueProgramCompiler {
                 At(frame.branch).target = Here();
             }
             bool folds = ZorWBIsFoldType(node->GetType());
+            const ZorWBOperator* op = static_cast<const ZorWBOperator*>(node);
             // The child whose code was emitted last is folded in after it
-            // (a first child that the fold keeps has nothing to do).
-            bool kept =
-                frame.child == 1 && static_cast<const ZorWBOperator*>(node)->KeepsFirstOperand();
-            if (folds && frame.child > 0 && !kept) Emit(Op::Fold, node, frame.child - 1);
+            // (a first child that the fold keeps has nothing to do); the
+            // last step also finishes the node.
+            bool kept = frame.child == 1 && op->KeepsFirstOperand();
+            bool last = frame.child == n;
+            if (folds && frame.child > 0 && !kept) {
+                if (!EmitFoldStep(op, frame.child - 1, last)) {
+                    Emit(Op::Fold, node, frame.child - 1);
+                } else if (last) {
+                    Complete(frame, stack);
+                    continue;
+                }
+            }
             if (frame.child < n) {
                 const ZorWBExpression* child = ZorWBGraphWalk::Child(node, frame.child++);
                 if (!Reference(child, stack)) return false;
@@ -53,10 +62,12 @@ class ZorWBValueProgramCompiler {
                 At(frame.jump).target = Here();
                 At(frame.branch).end = Here();
             }
+            if (!folds && EmitCompute(op, n)) {
+                Complete(frame, stack);
+                continue;
+            }
             At(Emit(Op::Finish, node)).end = folds && n > 0 ? 1 : 0;
-            At(frame.enter).target = Here();
-            _done[node] = frame.enter;
-            stack.pop_back();
+            Complete(frame, stack);
         }
         _program._calls.reserve(_visits + 1);
         return true;
@@ -72,12 +83,44 @@ class ZorWBValueProgramCompiler {
     };
 
     int Emit(Op op, const ZorWBExpression* node, int target = 0) {
-        _program._code.push_back({op, target, 0, node});
+        _program._code.push_back({op, target, 0, node, nullptr, nullptr, nullptr});
         return static_cast<int>(_program._code.size()) - 1;
     }
     int Here() const { return static_cast<int>(_program._code.size()); }
     Program::Instruction& At(int index) { return _program._code[static_cast<std::size_t>(index)]; }
 
+    // The node's code is complete: its Enter jumps past it.
+    void Complete(const Frame& frame, std::vector<Frame>& stack) {
+        At(frame.enter).target = Here();
+        _done[frame.node] = frame.enter;
+        stack.pop_back();
+    }
+
+    // A fold step through the type's shortcut; false for a type without one.
+    bool EmitFoldStep(const ZorWBOperator* node, int i, bool last) {
+        ZorWBValueShortcut shortcut = ZorWBValueShortcutOf(node->GetType());
+        if (!shortcut || i == 0) return false;
+        Program::Instruction& step = At(Emit(Op::FoldStep, node, i));
+        step.end = last ? 1 : 0;
+        step.left = i == 1 && node->KeepsFirstOperand() ? node->ChildAt(0) : nullptr;
+        step.right = node->ChildAt(i);
+        step.shortcut = shortcut;
+        return true;
+    }
+
+    // The completion of a node through the shortcut of its type; false for
+    // a type without one or a node short of operands.
+    bool EmitCompute(const ZorWBOperator* node, int n) {
+        ZorWBValueShortcut shortcut = ZorWBValueShortcutOf(node->GetType());
+        Type type = node->GetType();
+        int needed = type == Type::Quotient || type == Type::Power ? 2 : 1;
+        if (!shortcut || n < needed) return false;
+        Program::Instruction& compute = At(Emit(Op::Compute, node));
+        compute.left = node->ChildAt(0);
+        compute.right = node->ChildAt(needed - 1);
+        compute.shortcut = shortcut;
+        return true;
+    }
     bool Enter(const ZorWBExpression* node, std::vector<Frame>& stack) {
         if (!_inProgress.emplace(node, true).second) return false;
         stack.push_back({node, 0, Emit(Op::Enter, node), -1, -1});
@@ -131,6 +174,17 @@ void ZorWBValueProgram::Run(ZorWBFactory& factory) {
         node->_walkMark = walk;
         factory.InitEnvForEval();
     };
+    // A node computed: recorded, counted, and the innermost call returns
+    // when it was for this node.
+    auto finished = [this, &factory](const ZorWBExpression* node, bool computed, int& pc) {
+        node->FinishValue(computed);
+        ++factory._nbOfEvaluations;
+        if (!_calls.empty() && _calls.back().node == node) {
+            pc = _calls.back().back - 1;
+            _calls.pop_back();
+        }
+    };
+    const ZorWBEnvironment& environment = factory._environment;
     _calls.clear();
     const Instruction* code = _code.data();
     const int size = static_cast<int>(_code.size());
@@ -162,14 +216,26 @@ void ZorWBValueProgram::Run(ZorWBFactory& factory) {
             case Op::Fold:
                 static_cast<const ZorWBOperator*>(node)->FoldValue(in.target);
                 break;
-            case Op::Finish:
-                node->FinishValue(in.end != 0);
-                ++factory._nbOfEvaluations;
-                if (!_calls.empty() && _calls.back().node == node) {
-                    pc = _calls.back().back - 1;
-                    _calls.pop_back();
-                }
+            case Op::FoldStep: {
+                const ZorWBValue& running = in.left ? in.left->_value : node->_value;
+                if (!in.shortcut(environment, running, in.right->_value, node->_value))
+                    static_cast<const ZorWBOperator*>(node)->FoldValue(in.target);
+                if (in.end) finished(node, true, pc);
                 break;
+            }
+            case Op::Finish:
+                finished(node, in.end != 0, pc);
+                break;
+            case Op::Compute: {
+                // As EvaluateFast: an enumeration in the value field goes
+                // the general way.
+                ZorWBValueType current = node->_value.GetType();
+                bool computed =
+                    current != ZorWBIntegerEnumType && current != ZorWBRealEnumType &&
+                    in.shortcut(environment, in.left->_value, in.right->_value, node->_value);
+                finished(node, computed, pc);
+                break;
+            }
             case Op::Branch: {
                 const ZorWBExpression* condition = ZorWBGraphWalk::Child(node, 0);
                 int branch =

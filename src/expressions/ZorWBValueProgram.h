@@ -5,6 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "expressions/ZorWBOperatorFunctions.h"
+
 class ZorWBExpression;
 class ZorWBFactory;
 
@@ -22,6 +24,14 @@ class ZorWBFactory;
 // its condition chooses. Buffers, flags, marks, the evaluation counter and
 // the error word thus change exactly as with the walk, node by node and in
 // the same order.
+//
+// The types with a shortcut (ZorWBOperatorFunctions.h: sums, products, powers,
+// quotients, the elementary functions of real intervals) compute through it
+// directly from their operand nodes, named in the instruction, and go the
+// walk's general way only where it declines; the last fold step of a Sum or
+// Product and the node's completion are one instruction. What an interval
+// evaluation costs per node is then mostly the interval rule itself and
+// the bookkeeping of the buffer.
 class ZorWBValueProgram {
   public:
     // Null when the subgraph holds a cycle, its root is a leaf, or memory
@@ -37,15 +47,21 @@ class ZorWBValueProgram {
 
     // "Ready": the node answers without computing (see the walk).
     enum class Op : unsigned char {
-        Enter,   // jump to target when node is ready, else start it
-        Leaf,    // unless node is ready: start it and compute it
-        Visit,   // unless node is ready: call its code at target
-        Fold,    // node folds in its child number target
-        Finish,  // compute node (folded when end is 1); return when the
-                 // innermost call is for node
-        Branch,  // node's condition chooses: then part next, else part at
-                 // target, neither at end
-        Jump,    // to target
+        Enter,     // jump to target when node is ready, else start it
+        Leaf,      // unless node is ready: start it and compute it
+        Visit,     // unless node is ready: call its code at target
+        Fold,      // node folds in its child number target
+        FoldStep,  // node folds in its child number target, right, through
+                   // the shortcut: the running value, or left when the
+                   // fold reads its first child in place; with end 1 the
+                   // last step, which also finishes node as Finish does
+        Finish,    // compute node (folded when end is 1); return when the
+                   // innermost call is for node
+        Compute,   // finish node through the shortcut on left and right
+                   // (as Finish where it declines)
+        Branch,    // node's condition chooses: then part next, else part at
+                   // target, neither at end
+        Jump,      // to target
     };
 
     struct Instruction {
@@ -53,6 +69,9 @@ class ZorWBValueProgram {
         int target;
         int end;
         const ZorWBExpression* node;
+        const ZorWBExpression* left;
+        const ZorWBExpression* right;
+        ZorWBValueShortcut shortcut;
     };
     struct Call {
         int back;

@@ -130,6 +130,10 @@ class AnyKindGraph {
             }
             case 7:
                 // A comparison mostly, so that the condition is a boolean.
+                if (!branches) {
+                    node = _f.CreateMax(Pick(), Pick());
+                    break;
+                }
                 node = _f.CreateIfThenElse(Index(3) ? _f.CreateLessEqual(Pick(), Pick()) : Pick(),
                                            Pick(), Pick());
                 break;
@@ -142,7 +146,9 @@ class AnyKindGraph {
                 break;
             case 10: {
                 ZorWBExpression* arguments[] = {Pick(), Pick()};
-                node = _f.DeclareBlackBox(&_blackBox, 1 + Index(2), arguments, false);
+                node = callsBlackBoxes
+                           ? _f.DeclareBlackBox(&_blackBox, 1 + Index(2), arguments, false)
+                           : _f.CreateAtan2(arguments[0], arguments[1]);
                 break;
             }
             default:
@@ -156,6 +162,11 @@ class AnyKindGraph {
 
     std::vector<ZorWBVariable*> variables;
     std::vector<ZorWBExpression*> nodes;
+    // Off, the nodes that would call the black box are other binary nodes.
+    bool callsBlackBoxes = true;
+    // Off, the nodes that would be IfThenElse are Max nodes: the graph has
+    // no branch.
+    bool branches = true;
 
   private:
     ZorWBFactory& _f;

@@ -56,8 +56,9 @@ void ExpectProgramMatchesWalk(ZorWBFactory& f, CountingBlackBox& blackBox,
 }  // namespace
 
 // At the current levels a black-box call and the nodes above it are
-// unbuffered, and a root that reaches one of them twice is walked; below
-// ZorWBLevel::ResetBufferUpward the calls are buffered and compiled.
+// unbuffered: a root that reaches one of them twice has its code twice,
+// and calls the black box as often as the walk; below
+// ZorWBLevel::ResetBufferUpward the calls are buffered and computed once.
 TEST(ZorWBRealProgram, RandomGraphsOfEveryKindGiveTheWalksDoublesAndCalls) {
     CountingBlackBox blackBox;
     long long programRuns = 0;
