@@ -324,8 +324,8 @@ inline bool IsIntervalPair(const ZorWBValue& a, const ZorWBValue& b) {
 bool ZorWBOperator::EvaluateFast() const {
     const ZorWBValueType current = _value.GetType();
     if (current == ZorWBIntegerEnumType || current == ZorWBRealEnumType) return false;
-    const ZorWBExpression* const* children = _children;
-    const int n = _nbOfChildren;
+    const ZorWBExpression* const* children = Children();
+    const int n = _count;
     const ZorWBFactory& factory = *_factory;
     const unsigned int walk = factory._valueWalk;
     auto ready = [walk](const ZorWBExpression* child) -> const ZorWBValue* {
@@ -374,14 +374,14 @@ bool ZorWBOperator::EvaluateFast() const {
 
 void ZorWBOperator::FoldValue(int i) const {
     // The walk folds a child in once it is computed or found ready.
-    const ZorWBValue& child = _children[i]->_value;
+    const ZorWBValue& child = Children()[i]->_value;
     const bool fast = _factory->_fastValues;
     if (i == 0) {
         if (!KeepsFirstOperand()) _value = child;
         return;
     }
     if (i == 1 && KeepsFirstOperand()) {
-        const ZorWBValue& first = _children[0]->_value;
+        const ZorWBValue& first = Children()[0]->_value;
         if (fast && FoldFast(first, child)) return;
         _value = first;
     }
@@ -390,8 +390,10 @@ void ZorWBOperator::FoldValue(int i) const {
 }
 
 void ZorWBOperator::FoldReal(int i) const {
-    double child = _children[i]->_real;
-    _real = i == 0 ? child : BinaryKindOf(GetType()).real(_real, child);
+    double child = RealOf(Children()[i]);
+    ZorWBFactory::RealSlot* running = _factory->RunningRealSlot(this);
+    if (!running) return;  // memory was short: the node is computed on request
+    running->real = i == 0 ? child : BinaryKindOf(GetType()).real(running->real, child);
 }
 
 // What the value function of the fold does with a real interval and an

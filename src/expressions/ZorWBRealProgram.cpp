@@ -7,12 +7,14 @@
 #include <exception>
 #include <limits>
 #include <new>
+#include <optional>
 
 #include "expressions/ZorWBConstant.h"
 #include "expressions/ZorWBExpression.h"
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBOperator.h"
+#include "expressions/ZorWBRealWalk.h"
 
 namespace {
 
@@ -520,18 +522,16 @@ double ZorWBRealProgram::Run(ZorWBFactory& factory) {
         _epoch = 1;
     }
     // Nodes that evaluate themselves read their children's results as the
-    // node walk leaves them: in the children, under a walk number.
-    unsigned int outer = factory._realWalk;
-    unsigned int walk = _callsNodes ? factory.NewWalk() : 0;
-    if (_callsNodes) factory._realWalk = walk;
+    // node walk leaves them: in the slots of a running real evaluation.
+    std::optional<ZorWBFactory::RealWalk> walk;
+    if (_callsNodes) walk.emplace(factory);
     ++factory._evaluationDepth;
-    Execute(factory, walk);
+    Execute(factory);
     --factory._evaluationDepth;
-    factory._realWalk = outer;
     return registers[_result];
 }
 
-void ZorWBRealProgram::Execute(const ZorWBFactory& factory, unsigned int walk) {
+void ZorWBRealProgram::Execute(ZorWBFactory& factory) {
     double* r = _registers.data();
     const Instruction* code = _code.data();
     const int size = static_cast<int>(_code.size());
@@ -597,9 +597,8 @@ void ZorWBRealProgram::Execute(const ZorWBFactory& factory, unsigned int walk) {
                 const ZorWBOperator* node = in.node;
                 int n = std::min(in.b, ZorWBGraphWalk::NbOfChildren(node));
                 for (int i = 0; i < n; ++i) {
-                    const ZorWBExpression* child = ZorWBGraphWalk::Child(node, i);
-                    child->_real = r[_arguments[static_cast<std::size_t>(in.a + i)]];
-                    child->_realMark = walk;
+                    factory.StartRealSlot(ZorWBGraphWalk::Child(node, i),
+                                          r[_arguments[static_cast<std::size_t>(in.a + i)]]);
                 }
                 r[in.dst] = static_cast<const ZorWBExpression*>(node)->DoEval();
                 break;

@@ -84,7 +84,7 @@ class ZorWBRealProgram {
     };
 
     ZorWBRealProgram() = default;
-    void Execute(const ZorWBFactory& factory, unsigned int walk);
+    void Execute(ZorWBFactory& factory);
 
     // The leaves, read into the first registers at each run.
     std::vector<const ZorWBConstant*> _leaves;
