@@ -243,7 +243,11 @@ void ZorWBExpression::FinishValue(bool folded) const {
         DoEval(_value);
     ZorWBNodeAnnex* annex = GetAnnex();
     if (annex && annex->previousValue) *annex->previousValue = _value;
-    if (AllowsBufferEval()) _flags |= BufferValidFlag;
+    if (!AllowsBufferEval()) return;
+    _flags |= BufferValidFlag;
+    _invalidAbove = false;
+    // The only node made valid over children it did not compute.
+    if (GetType() == ZorWBExpressionType::IfThenElse) UnmarkUntakenBranches();
 }
 
 double ZorWBExpression::Eval() const {

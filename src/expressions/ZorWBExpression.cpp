@@ -107,7 +107,7 @@ bool ZorWBExpression::AddParent(ZorWBExpression* child, ZorWBExpression* parent)
     if (!child->_parents.Add(parent)) return false;
     if (!child->AllowsBufferEval()) {
         // An unbuffered child makes the parent and all its ancestors unbuffered.
-        parent->_flags = NoBufferFlag;
+        parent->MakeUnbuffered();
         for (int i = 0; i < parent->_parents.GetSize(); ++i) {
             ZorWBExpression* grandparent = parent->_parents.Get(i);
             if (grandparent->AllowsBufferEval())
@@ -128,7 +128,7 @@ bool ZorWBExpression::RemoveParent(ZorWBExpression* child, ZorWBExpression* pare
 void ZorWBExpression::GiveBufferingBack(ZorWBExpression* parent) {
     // The parent may have been unbuffered only because of the lost child.
     if (!parent->ValidatesWithoutOwnFlag()) return;
-    parent->_flags = 0;
+    parent->MakeBuffered();
     for (int i = 0; i < parent->_parents.GetSize(); ++i) {
         ZorWBExpression* grandparent = parent->_parents.Get(i);
         if (!grandparent->AllowsBufferEval()) grandparent->SetAllowBufferEval(true, true, true);
@@ -162,9 +162,9 @@ void ZorWBExpression::SetAllowBufferEval(bool allow, bool propagate, bool valida
     NoteStructureChange();
     auto apply = [allow, validate](ZorWBExpression* node) {
         if (!allow) {
-            node->_flags = NoBufferFlag;
+            node->MakeUnbuffered();
         } else if (!validate || node->ValidatesWithoutOwnFlag()) {
-            node->_flags = 0;
+            node->MakeBuffered();
         }
     };
     apply(this);
@@ -186,32 +186,7 @@ void ZorWBExpression::SetAllowBufferEval(bool allow, bool propagate, bool valida
         for (int i = 0; i < node->_parents.GetSize(); ++i) {
             ZorWBExpression* parent = node->_parents.Get(i);
             if (parent->AllowsBufferEval() == allow) continue;
-            if (!allow) parent->_flags = NoBufferFlag;
-            stack.push_back(parent);
-        }
-    }
-} catch (const std::exception&) {
-}
-
-void ZorWBExpression::ResetBufferComplete() try {
-    if (!AllowsBufferEval()) return;
-    _flags = 0;
-    if (_parents.IsEmpty()) return;
-    // Each ancestor once: an unbuffered one stops the walk, since all its
-    // ancestors are unbuffered too.
-    ZorWBFactory& factory = *_factory;
-    unsigned int walk = factory.NewWalk();
-    std::vector<ZorWBExpression*>& stack = factory._walkStack;
-    std::size_t base = stack.size();
-    stack.push_back(this);
-    while (stack.size() > base) {
-        ZorWBExpression* node = stack.back();
-        stack.pop_back();
-        for (int i = 0; i < node->_parents.GetSize(); ++i) {
-            ZorWBExpression* parent = node->_parents.Get(i);
-            if (parent->_walkMark == walk || !parent->AllowsBufferEval()) continue;
-            parent->_walkMark = walk;
-            parent->_flags = 0;
+            if (!allow) parent->MakeUnbuffered();
             stack.push_back(parent);
         }
     }

@@ -242,6 +242,14 @@ class ZORWBX_API ZorWBExpression {
                                        ZorWBExpression** exprs, int n);
     ZorWBExpression* PartialEvalFromDuplicate(ZorWBVariable** vars, ZorWBExpression** exprs, int n);
     void ResetBufferDownward();
+    // The marks of the invalidation (see ZorWBInvalidation.cpp): cleared on
+    // the marked nodes below node, or below the children of an IfThenElse
+    // just made valid; kept right when the node becomes unbuffered or
+    // buffered.
+    static void UnmarkBelow(const ZorWBExpression* node);
+    void UnmarkUntakenBranches() const;
+    void MakeUnbuffered();
+    void MakeBuffered();
     // The annex (see ZorWBNodeAnnex): as it is (null when none), or made
     // when missing (null when memory is short).
     ZorWBNodeAnnex* GetAnnex() const { return _parents.GetAnnex(); }
@@ -259,6 +267,8 @@ class ZORWBX_API ZorWBExpression {
     unsigned char _type;
     mutable unsigned char _flags = 0;
     unsigned char _traits = 0;
+    // Invalid, and so is every buffered node above (see ZorWBInvalidation.cpp).
+    mutable bool _invalidAbove = true;
     // An operator's number of children; a variable's index.
     int _count = 0;
     // The buffer; a leaf's constant value too, unless HeldValueTrait says

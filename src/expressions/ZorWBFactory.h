@@ -504,6 +504,16 @@ class ZORWBX_API ZorWBFactory {
     bool IsFastValuesEnabled() const { return _fastValues; }
     // How many GetValue calls a compiled program answered.
     long long GetNbOfValueProgramRuns() const;
+    // A change below a node invalidates the buffered nodes above it; the walk
+    // up stops where it meets a node whose ancestors are all invalid already
+    // (see ZorWBInvalidation.cpp). Off, it always walks to the top: the same
+    // buffers end invalid.
+    void EnableResetShortcut(bool enable);
+    bool IsResetShortcutEnabled() const { return _resetShortcut; }
+    // How many times an upward reset has invalidated a node (the node it
+    // starts from included) since the factory was made or the counter reset.
+    long long GetNbOfBufferResets() const { return _nbOfBufferResets; }
+    void ResetNbOfBufferResets() { _nbOfBufferResets = 0; }
     // A number that changes whenever a node loses, gains or swaps a child, a
     // Step parameter or a black box, is made buffered or unbuffered, or is
     // destroyed.
@@ -758,6 +768,9 @@ class ZORWBX_API ZorWBFactory {
     ZorWBExpression* ReplaceTemporaryExpressions(
         ZorWBExpression* e, std::unordered_map<const ZorWBExpression*, ZorWBExpression*>& copies);
 
+    // Whether upward resets stop at marked nodes: enabled, and no walk ran
+    // short of memory.
+    bool UsesResetShortcut() const;
     // Walk numbers (see ZorWBGraphWalk): a fresh one per walk, below
     // RealSlotMark.
     unsigned int NewWalk();
@@ -816,6 +829,9 @@ class ZORWBX_API ZorWBFactory {
     std::vector<std::pair<const ZorWBExpression*, unsigned int>> _savedMarks;
     int _evaluationDepth = 0;
     long long _nbOfEvaluations = 0;
+    long long _nbOfBufferResets = 0;
+    bool _resetShortcut = true;
+    bool _resetShortcutBroken = false;
     unsigned long long _structureVersion = 0;
     // Integrate nodes alive (permanent and temporary).
     int _nbOfIntegrateNodes = 0;
