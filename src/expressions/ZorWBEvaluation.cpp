@@ -130,8 +130,10 @@ int ZorWBExpression::RunEvaluation(double* real) const {
     ZorWBFactory& factory = *_factory;
     unsigned int outerValueWalk = factory._valueWalk;
     std::size_t savedMarks = factory._savedMarks.size();
-    const bool crossing = !Real && factory._realBase != ZorWBFactory::NoRealWalk;
-    const unsigned int walk = Real ? 0 : factory.NewWalk();
+    // Not const: as constants of the real walk, clang would find the lambdas'
+    // captures of them needless.
+    bool crossing = !Real && factory._realBase != ZorWBFactory::NoRealWalk;
+    unsigned int walk = Real ? 0 : factory.NewWalk();
     std::optional<ZorWBFactory::RealWalk> realWalk;
     if (Real) realWalk.emplace(factory);
     if (!Real) factory._valueWalk = walk;
