@@ -57,6 +57,7 @@ class ZorQelArray {
     void Reserve(int capacity) {
         if (capacity > 0) _items.reserve(static_cast<std::size_t>(capacity));
     }
+    int GetCapacity() const { return static_cast<int>(_items.capacity()); }
 
     void Sort() { std::sort(_items.begin(), _items.end()); }
     // Index of value in an ascending array, or -1.

@@ -20,12 +20,20 @@ enum ZorWBPredefinedConst : int {
 };
 constexpr int ZorWBNbOfPredefinedConstants = 11;
 
-// A node holding a value. Its buffer holds a copy of the constant value once
+// A node holding a value. Its buffer holds the constant value once
 // evaluated; changing the value invalidates the buffers above it.
+//
+// The constant value is kept in the buffer itself: the two differ only when
+// a value is assigned while the buffer stays valid (below the level
+// ZorWBLevel::ResetBufferUpward, where assigning resets nothing), and the
+// assigned value then waits in the node's annex until the buffer is
+// computed again.
 class ZORWBX_API ZorWBConstant : public ZorWBExpression {
   public:
     // The constant value.
-    const ZorWBValue& GetExprValue() const override { return _constantValue; }
+    const ZorWBValue& GetExprValue() const override {
+        return (_traits & HeldValueTrait) ? HeldValue() : _value;
+    }
     // Same as SetValue(value, null).
     void SetExprValue(const ZorWBValue& value) override;
     bool IsEqualTo(const ZorWBExpression* other) const override;
@@ -50,7 +58,11 @@ class ZORWBX_API ZorWBConstant : public ZorWBExpression {
     ZorWBExpression* IntegrateTableProtected(ZorWBVariable* variable, bool& done) override;
     ZorWBExpression* DifferentiateProtected(ZorWBVariable* variable) override;
 
-    ZorWBValue _constantValue;
+  private:
+    // The value assigned while the buffer held an older one.
+    const ZorWBValue& HeldValue() const;
+    // Makes value the constant value (see the class comment).
+    void StoreValue(const ZorWBValue& value);
 };
 
 // One of the eleven shared constants of a factory; its value comes from its

@@ -56,8 +56,8 @@ ZorWBExpression* ZorWBOperator::DoDifferentiate(ZorWBVariable* variable) try {
     ZorWBCalculusSession& session = scope.Session();
     ZorWBTermBuilder build(*GetFactory());
     std::vector<ZorWBExpression*> terms;
-    for (int i = 0; i < _nbOfChildren; ++i) {
-        ZorWBExpression* child = _children[i];
+    for (int i = 0; i < _count; ++i) {
+        ZorWBExpression* child = ChildAt(i);
         if (!child || session.IsSkipped(child)) continue;
         ZorWBExpression* derivative = Differentiate(child, variable);
         if (!derivative) return nullptr;

@@ -20,20 +20,35 @@
 // Every node that the value evaluation computes starts by clearing a lone
 // domain error (InitEnvForEval): the error word an evaluation leaves is
 // that of the nodes computed since the last node started.
+//
+// A node has one walk mark. The value evaluation writes its walk number
+// there (and keeps its results in the buffers); the real evaluation writes
+// the index of a slot of the factory that holds the node's real, with the
+// bit RealSlotMark, which no walk number has, and the slots go when the
+// evaluation ends. A node counts as computed in the running real
+// evaluation while its mark names one of that evaluation's slots and the
+// slot names the node. Black boxes run value evaluations of their
+// arguments in the middle of a real one (and may run real ones in the
+// middle of a value one): a walk started beneath a walk of the other kind
+// saves the marks it overwrites and gives them back at its end, so neither
+// computes a node twice for the other.
 
 #include <cmath>
 #include <exception>
 #include <limits>
 #include <new>
+#include <optional>
 #include <vector>
 
 #include "expressions/ZorWBExpression.h"
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBGraphWalk.h"
+#include "expressions/ZorWBNodeAnnex.h"
 #include "expressions/ZorWBOperator.h"
 #include "expressions/ZorWBProgramCache.h"
 #include "expressions/ZorWBRealFunctions.h"
 #include "expressions/ZorWBRealProgram.h"
+#include "expressions/ZorWBRealWalk.h"
 #include "expressions/ZorWBValueProgram.h"
 
 namespace {
@@ -41,18 +56,63 @@ constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 }  // namespace
 
 unsigned int ZorWBFactory::NewWalk() {
-    if (++_walkCounter == 0) {
-        // The numbers wrapped: forget every mark so that none is mistaken
-        // for a new walk.
+    if (++_walkCounter == RealSlotMark) {
+        // The numbers wrapped: forget every walk number so that none is
+        // mistaken for a new walk (the slots of a running real evaluation
+        // stay: they name their nodes).
+        auto forget = [](ZorWBExpression* node) {
+            if (!(node->_walkMark & RealSlotMark)) node->_walkMark = 0;
+        };
         for (ZorWBExpression* node : _expressions)
-            node->_walkMark = node->_realMark = 0;
+            forget(node);
         for (ZorWBExpression* node : _temporaryExpressions)
-            node->_walkMark = node->_realMark = 0;
+            forget(node);
+        for (auto& saved : _savedMarks) {
+            if (!(saved.second & RealSlotMark)) saved.second = 0;
+        }
         _valueWalk = 0;
-        _realWalk = 0;
         _walkCounter = 1;
     }
     return _walkCounter;
+}
+
+ZorWBFactory::RealSlot* ZorWBFactory::RunningRealSlot(const ZorWBExpression* node) {
+    unsigned int mark = node->_walkMark;
+    if (!(mark & RealSlotMark) || _realBase == NoRealWalk) return nullptr;
+    std::size_t index = mark & ~RealSlotMark;
+    if (index < _realBase || index >= _realSlots.size()) return nullptr;
+    RealSlot& slot = _realSlots[index];
+    return slot.node == node ? &slot : nullptr;
+}
+
+bool ZorWBFactory::StartRealSlot(const ZorWBExpression* node, double real) {
+    std::size_t index = _realSlots.size();
+    if (index >= RealSlotMark) return false;
+    try {
+        _realSlots.push_back({node, real});
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    Mark(node, RealSlotMark | static_cast<unsigned int>(index), _realCrossing);
+    return true;
+}
+
+void ZorWBFactory::Mark(const ZorWBExpression* node, unsigned int mark, bool save) {
+    if (save) {
+        try {
+            _savedMarks.emplace_back(node, node->_walkMark);
+        } catch (const std::bad_alloc&) {
+            return;  // the node stays as the outer walk left it
+        }
+    }
+    node->_walkMark = mark;
+}
+
+void ZorWBFactory::RestoreMarks(std::size_t saved) {
+    while (_savedMarks.size() > saved) {
+        _savedMarks.back().first->_walkMark = _savedMarks.back().second;
+        _savedMarks.pop_back();
+    }
 }
 
 // The condition first, then only the branch it selects.
@@ -66,34 +126,45 @@ int ZorWBExpression::NextIfThenElseChild(const ZorWBExpression* node, int positi
 }
 
 template <bool Real>
-int ZorWBExpression::RunEvaluation() const {
+int ZorWBExpression::RunEvaluation(double* real) const {
     ZorWBFactory& factory = *_factory;
-    unsigned int& running = Real ? factory._realWalk : factory._valueWalk;
-    unsigned int outer = running;
-    unsigned int walk = factory.NewWalk();
-    running = walk;
+    unsigned int outerValueWalk = factory._valueWalk;
+    std::size_t savedMarks = factory._savedMarks.size();
+    // Not const: as constants of the real walk, clang would find the lambdas'
+    // captures of them needless.
+    bool crossing = !Real && factory._realBase != ZorWBFactory::NoRealWalk;
+    unsigned int walk = Real ? 0 : factory.NewWalk();
+    std::optional<ZorWBFactory::RealWalk> realWalk;
+    if (Real) realWalk.emplace(factory);
+    if (!Real) factory._valueWalk = walk;
     ++factory._evaluationDepth;
 
     std::vector<ZorWBFactory::EvalFrame>& stack = factory._evalStack;
     std::size_t base = stack.size();
     int computed = 0;
-    auto markOf = [](const ZorWBExpression* node) -> unsigned int& {
-        return Real ? node->_realMark : node->_walkMark;
-    };
     // Whether a request is answered without computing: only a buffered node
     // keeps what it was computed to.
-    auto ready = [walk, &markOf](const ZorWBExpression* node) {
-        return node->AllowsBufferEval() &&
-               (markOf(node) == walk || (!Real && (node->_flags & BufferValidFlag)));
+    auto ready = [walk, &factory](const ZorWBExpression* node) {
+        if (!node->AllowsBufferEval()) return false;
+        if (Real) return factory.RunningRealSlot(node) != nullptr;
+        return node->_walkMark == walk || (node->_flags & BufferValidFlag) != 0;
     };
-    auto start = [walk, &markOf, &factory](const ZorWBExpression* node) {
-        markOf(node) = walk;
-        if (!Real) factory.InitEnvForEval();
+    auto start = [walk, crossing, &factory](const ZorWBExpression* node) {
+        if (Real) {
+            factory.StartRealSlot(node, std::numeric_limits<double>::quiet_NaN());
+        } else {
+            factory.Mark(node, walk, crossing);
+            factory.InitEnvForEval();
+        }
     };
     auto finish = [&factory, &computed](const ZorWBExpression* node, bool folded) {
         ++computed;
         if (Real) {
-            if (!folded) node->_real = node->DoEval();
+            // The slot is looked up after DoEval, whose own evaluations may
+            // move the slots.
+            double result = folded ? 0.0 : node->DoEval();
+            ZorWBFactory::RealSlot* slot = factory.RunningRealSlot(node);
+            if (slot && !folded) slot->real = result;
         } else {
             node->FinishValue(folded);
             ++factory._nbOfEvaluations;
@@ -141,20 +212,29 @@ int ZorWBExpression::RunEvaluation() const {
     }
 
     --factory._evaluationDepth;
-    running = outer;
+    if (Real) {
+        ZorWBFactory::RealSlot* slot = factory.RunningRealSlot(this);
+        if (real) *real = slot ? slot->real : std::numeric_limits<double>::quiet_NaN();
+    } else {
+        factory.RestoreMarks(savedMarks);
+        factory._valueWalk = outerValueWalk;
+    }
     return computed;
 }
 
 const ZorWBValue& ZorWBExpression::ComputeValue() const {
     ZorWBFactory& factory = *_factory;
     factory.SetBufferUsed();
-    ZorWBProgramCache<ZorWBValueProgram>* programs = factory.ValuePrograms();
+    // A compiled program marks without saving: it stays out of value
+    // evaluations started beneath a real one.
+    ZorWBProgramCache<ZorWBValueProgram>* programs =
+        factory._realBase == ZorWBFactory::NoRealWalk ? factory.ValuePrograms() : nullptr;
     if (ZorWBValueProgram* program = programs ? programs->Find(this) : nullptr) {
         ZorWBProgramCache<ZorWBValueProgram>::Running running(*programs);
         program->Run(factory);
         return _value;
     }
-    int computed = RunEvaluation<false>();
+    int computed = RunEvaluation<false>(nullptr);
     if (programs) programs->Remember(this, computed);
     return _value;
 }
@@ -163,8 +243,13 @@ void ZorWBExpression::FinishValue(bool folded) const {
     if (!folded && (IsLeaf() || !_factory->_fastValues ||
                     !static_cast<const ZorWBOperator*>(this)->EvaluateFast()))
         DoEval(_value);
-    if (_previousValue) *_previousValue = _value;
-    if (AllowsBufferEval()) _flags |= BufferValidFlag;
+    ZorWBNodeAnnex* annex = GetAnnex();
+    if (annex && annex->previousValue) *annex->previousValue = _value;
+    if (!AllowsBufferEval()) return;
+    _flags |= BufferValidFlag;
+    _invalidAbove = false;
+    // The only node made valid over children it did not compute.
+    if (GetType() == ZorWBExpressionType::IfThenElse) UnmarkUntakenBranches();
 }
 
 double ZorWBExpression::Eval() const {
@@ -174,9 +259,10 @@ double ZorWBExpression::Eval() const {
         ZorWBProgramCache<ZorWBRealProgram>::Running running(*programs);
         return program->Run(*_factory);
     }
-    int computed = RunEvaluation<true>();
+    double real;
+    int computed = RunEvaluation<true>(&real);
     if (programs) programs->Remember(this, computed);
-    return _real;
+    return real;
 }
 
 namespace {
@@ -227,9 +313,8 @@ const ZorWBValue& ZorWBExpression::ValueOf(const ZorWBExpression* node) {
 }
 
 double ZorWBExpression::RealOf(const ZorWBExpression* node) {
-    unsigned int walk = node->_factory->_realWalk;
-    if (walk != 0 && node->_realMark == walk) return node->_real;
-    return node->Eval();
+    const ZorWBFactory::RealSlot* slot = node->_factory->RunningRealSlot(node);
+    return slot ? slot->real : node->Eval();
 }
 
 void ZorWBExpression::UpdateExprValue(bool recursive) try {

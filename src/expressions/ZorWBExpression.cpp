@@ -6,34 +6,7 @@
 
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBGraphWalk.h"
-
-// A node's property values; -1 marks a slot never set.
-struct ZorWBNodeProperties {
-    int* values = nullptr;
-    int size = 0;
-    int capacity = 0;
-    ~ZorWBNodeProperties() { delete[] values; }
-    // Grows to size entries; capacity starts at the needed length and doubles.
-    bool Grow(int needed) {
-        if (needed <= size) return true;
-        if (needed > capacity) {
-            int grown = capacity == 0 ? needed : capacity;
-            while (grown < needed)
-                grown = grown > INT_MAX / 2 ? needed : grown * 2;
-            int* moved = new (std::nothrow) int[grown];
-            if (!moved) return false;
-            for (int i = 0; i < size; ++i)
-                moved[i] = values[i];
-            delete[] values;
-            values = moved;
-            capacity = grown;
-        }
-        for (int i = size; i < needed; ++i)
-            values[i] = -1;
-        size = needed;
-        return true;
-    }
-};
+#include "expressions/ZorWBNodeAnnex.h"
 
 namespace {
 const ZorWBValue UndefinedValue;
@@ -44,8 +17,9 @@ ZorWBExpression::ZorWBExpression(ZorWBFactory* factory, ZorWBExpressionType type
     const ZorWBEnvironment& environment = factory->GetEnvironment();
     _value.UpdateEnv(environment);
     if (environment.GetWBLevel() != ZorWBLevel::All) {
-        _previousValue = new (std::nothrow) ZorWBValue();
-        if (_previousValue) _previousValue->UpdateEnv(environment);
+        ZorWBNodeAnnex* annex = MakeAnnex();
+        if (annex) annex->previousValue.reset(new (std::nothrow) ZorWBValue());
+        if (annex && annex->previousValue) annex->previousValue->UpdateEnv(environment);
     }
 }
 
@@ -58,8 +32,17 @@ ZorWBExpression::~ZorWBExpression() {
             if (!parent->RemoveChild(this)) _parents.Remove(parent);
         }
     }
-    delete _previousValue;
-    delete _properties;
+    delete GetAnnex();
+}
+
+ZorWBNodeAnnex* ZorWBExpression::MakeAnnex() {
+    if (ZorWBNodeAnnex* annex = GetAnnex()) return annex;
+    ZorWBNodeAnnex* annex = new (std::nothrow) ZorWBNodeAnnex();
+    if (annex && !_parents.SetAnnex(annex)) {
+        delete annex;
+        return nullptr;
+    }
+    return annex;
 }
 
 const ZorWBEnvironment& ZorWBExpression::GetEnvironment() const {
@@ -75,7 +58,8 @@ void ZorWBExpression::NoteStructureChange() const {
 }
 
 const ZorWBValue& ZorWBExpression::GetPreviousValue() const {
-    return _previousValue ? *_previousValue : UndefinedValue;
+    ZorWBNodeAnnex* annex = GetAnnex();
+    return annex && annex->previousValue ? *annex->previousValue : UndefinedValue;
 }
 
 // ------------------------------------------------------------ default slots
@@ -123,7 +107,7 @@ bool ZorWBExpression::AddParent(ZorWBExpression* child, ZorWBExpression* parent)
     if (!child->_parents.Add(parent)) return false;
     if (!child->AllowsBufferEval()) {
         // An unbuffered child makes the parent and all its ancestors unbuffered.
-        parent->_flags = NoBufferFlag;
+        parent->MakeUnbuffered();
         for (int i = 0; i < parent->_parents.GetSize(); ++i) {
             ZorWBExpression* grandparent = parent->_parents.Get(i);
             if (grandparent->AllowsBufferEval())
@@ -144,7 +128,7 @@ bool ZorWBExpression::RemoveParent(ZorWBExpression* child, ZorWBExpression* pare
 void ZorWBExpression::GiveBufferingBack(ZorWBExpression* parent) {
     // The parent may have been unbuffered only because of the lost child.
     if (!parent->ValidatesWithoutOwnFlag()) return;
-    parent->_flags = 0;
+    parent->MakeBuffered();
     for (int i = 0; i < parent->_parents.GetSize(); ++i) {
         ZorWBExpression* grandparent = parent->_parents.Get(i);
         if (!grandparent->AllowsBufferEval()) grandparent->SetAllowBufferEval(true, true, true);
@@ -178,9 +162,9 @@ void ZorWBExpression::SetAllowBufferEval(bool allow, bool propagate, bool valida
     NoteStructureChange();
     auto apply = [allow, validate](ZorWBExpression* node) {
         if (!allow) {
-            node->_flags = NoBufferFlag;
+            node->MakeUnbuffered();
         } else if (!validate || node->ValidatesWithoutOwnFlag()) {
-            node->_flags = 0;
+            node->MakeBuffered();
         }
     };
     apply(this);
@@ -202,32 +186,7 @@ void ZorWBExpression::SetAllowBufferEval(bool allow, bool propagate, bool valida
         for (int i = 0; i < node->_parents.GetSize(); ++i) {
             ZorWBExpression* parent = node->_parents.Get(i);
             if (parent->AllowsBufferEval() == allow) continue;
-            if (!allow) parent->_flags = NoBufferFlag;
-            stack.push_back(parent);
-        }
-    }
-} catch (const std::exception&) {
-}
-
-void ZorWBExpression::ResetBufferComplete() try {
-    if (!AllowsBufferEval()) return;
-    _flags = 0;
-    if (_parents.IsEmpty()) return;
-    // Each ancestor once: an unbuffered one stops the walk, since all its
-    // ancestors are unbuffered too.
-    ZorWBFactory& factory = *_factory;
-    unsigned int walk = factory.NewWalk();
-    std::vector<ZorWBExpression*>& stack = factory._walkStack;
-    std::size_t base = stack.size();
-    stack.push_back(this);
-    while (stack.size() > base) {
-        ZorWBExpression* node = stack.back();
-        stack.pop_back();
-        for (int i = 0; i < node->_parents.GetSize(); ++i) {
-            ZorWBExpression* parent = node->_parents.Get(i);
-            if (parent->_walkMark == walk || !parent->AllowsBufferEval()) continue;
-            parent->_walkMark = walk;
-            parent->_flags = 0;
+            if (!allow) parent->MakeUnbuffered();
             stack.push_back(parent);
         }
     }
@@ -259,20 +218,26 @@ void ZorWBExpression::ResetBufferDownward() try {
 // ------------------------------------------------------------ properties
 
 int ZorWBExpression::GetProperty(int i) const {
-    if (_properties && i >= 0 && i < _properties->size && _properties->values[i] != -1)
-        return _properties->values[i];
+    ZorWBNodeAnnex* annex = GetAnnex();
+    if (annex && i >= 0 && static_cast<std::size_t>(i) < annex->properties.size() &&
+        annex->properties[static_cast<std::size_t>(i)] != -1)
+        return annex->properties[static_cast<std::size_t>(i)];
     return _factory->GetDefaultPropertyValue(i);
 }
 
-void ZorWBExpression::SetProperty(int i, int value) {
+void ZorWBExpression::SetProperty(int i, int value) try {
     if (i < 0 || i == INT_MAX) return;
-    if (!_properties) {
+    ZorWBNodeAnnex* annex = GetAnnex();
+    if (!annex || annex->properties.empty()) {
         if (value == _factory->GetDefaultPropertyValue(i)) return;
-        _properties = new (std::nothrow) ZorWBNodeProperties();
-        if (!_properties) return;
+        annex = MakeAnnex();
+        if (!annex) return;
     }
-    if (!_properties->Grow(i + 1)) return;
-    _properties->values[i] = value;
+    std::vector<int>& properties = annex->properties;
+    if (properties.size() <= static_cast<std::size_t>(i))
+        properties.resize(static_cast<std::size_t>(i) + 1, -1);
+    properties[static_cast<std::size_t>(i)] = value;
     // A property can change how the node evaluates.
     if (GetEnvironment().CheckLevel(ZorWBLevel::ResetBufferUpward)) ResetBufferComplete();
+} catch (const std::exception&) {
 }

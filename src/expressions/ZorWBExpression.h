@@ -11,7 +11,7 @@
 class ZorWBBlackBox;
 class ZorWBFactory;
 class ZorWBVariable;
-struct ZorWBNodeProperties;
+struct ZorWBNodeAnnex;
 
 using ZorQelListPZorWBVariable = ZorQelArray<ZorWBVariable*>;
 
@@ -215,14 +215,22 @@ class ZORWBX_API ZorWBExpression {
   private:
     friend class ZorWBFactory;
     friend class ZorWBOperator;
+    friend class ZorWBConstant;
+    friend class ZorWBVariable;
     friend class ZorWBGraphWalk;
     friend class ZorWBRealProgram;
     friend class ZorWBValueProgram;
 
+    // Bits of the traits byte.
+    static constexpr unsigned char HeldValueTrait = 1;  // a leaf's assigned value is in the annex
+    static constexpr unsigned char FixedTrait = 2;      // a fixed variable
+    static constexpr unsigned char HeapChildrenTrait = 4;  // an operator's children on the heap
+
     // Evaluates the nodes below this one that need it, and this one; the
-    // number of nodes computed.
+    // number of nodes computed. The real evaluation leaves this node's real
+    // in real.
     template <bool Real>
-    int RunEvaluation() const;
+    int RunEvaluation(double* real) const;
     const ZorWBValue& ComputeValue() const;
     // Computes the value field from the children's values and records it
     // (previous value, valid flag); folded: the value is in place already
@@ -235,24 +243,39 @@ class ZORWBX_API ZorWBExpression {
                                        ZorWBExpression** exprs, int n);
     ZorWBExpression* PartialEvalFromDuplicate(ZorWBVariable** vars, ZorWBExpression** exprs, int n);
     void ResetBufferDownward();
+    // The marks of the invalidation (see ZorWBInvalidation.cpp): cleared on
+    // the marked nodes below node, or below the children of an IfThenElse
+    // just made valid; kept right when the node becomes unbuffered or
+    // buffered.
+    static void UnmarkBelow(const ZorWBExpression* node);
+    void UnmarkUntakenBranches() const;
+    void MakeUnbuffered();
+    void MakeBuffered();
+    // The annex (see ZorWBNodeAnnex): as it is (null when none), or made
+    // when missing (null when memory is short).
+    ZorWBNodeAnnex* GetAnnex() const { return _parents.GetAnnex(); }
+    ZorWBNodeAnnex* MakeAnnex();
 
+    // The fields are ordered so that they pack: a node holds 72 bytes, an
+    // operator 88 (see README.md, "Memory").
     ZorWBFactory* _factory;
     int _tag;
-    // Number of the last graph walk that reached this node (see ZorWBFactory);
-    // the plain real evaluation keeps its own, so that the value evaluations
-    // that black boxes start in the middle of it leave its marks alone.
+    // Number of the last graph walk that reached this node (see
+    // ZorWBFactory::NewWalk), or, with ZorWBFactory::RealSlotMark, the slot
+    // of its result in the running real-number evaluation.
     mutable unsigned int _walkMark = 0;
-    mutable unsigned int _realMark = 0;
-    // The type (all fit in a byte) and the flags, in a byte each.
+    // The type (all fit in a byte), the flags and the traits, in a byte each.
     unsigned char _type;
     mutable unsigned char _flags = 0;
+    unsigned char _traits = 0;
+    // Invalid, and so is every buffered node above (see ZorWBInvalidation.cpp).
+    mutable bool _invalidAbove = true;
+    // An operator's number of children; a variable's index.
+    int _count = 0;
+    // The buffer; a leaf's constant value too, unless HeldValueTrait says
+    // that the buffer still holds an older one.
     mutable ZorWBValue _value;
-    // Allocated only below the "all" level, where it is read.
-    mutable ZorWBValue* _previousValue = nullptr;
-    ZorWBNodeProperties* _properties = nullptr;
     ZorWBParentList _parents;
-    // Result of this node in the running real-number evaluation.
-    mutable double _real = 0.0;
 };
 
 #endif

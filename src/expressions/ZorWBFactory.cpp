@@ -73,11 +73,22 @@ void ZorWBFactory::BlackBoxDeletion() {
 
 // ------------------------------------------------------------ registration
 
+namespace {
+// Appends to a list of the factory, which grows by half its size when full
+// rather than doubling: the lists are part of what every node costs.
+template <class T>
+void Append(ZorQelArray<T>& list, T item) {
+    int size = list.GetSize();
+    if (size == list.GetCapacity() && size <= INT_MAX / 3) list.Reserve(size + size / 2 + 16);
+    list.Add(item);
+}
+}  // namespace
+
 ZorWBExpression* ZorWBFactory::Register(ZorWBExpression* node, bool alwaysPermanent) {
     if (!node) return nullptr;
     bool temporary = _temporaryMode && !alwaysPermanent;
     try {
-        (temporary ? _temporaryExpressions : _expressions).Add(node);
+        Append(temporary ? _temporaryExpressions : _expressions, node);
     } catch (const std::bad_alloc&) {
         delete node;
         return nullptr;
@@ -101,7 +112,7 @@ ZorWBVariable* ZorWBFactory::CreateVariable(const int* tag) {
         new (std::nothrow) ZorWBVariable(this, TakeTag(tag), _variables.GetSize());
     if (!variable) return nullptr;
     try {
-        _variables.Add(variable);
+        Append(_variables, variable);
     } catch (const std::bad_alloc&) {
         delete variable;
         return nullptr;

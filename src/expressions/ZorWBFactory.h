@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "ZorWBxExport.h"
@@ -504,6 +505,16 @@ class ZORWBX_API ZorWBFactory {
     bool IsFastValuesEnabled() const { return _fastValues; }
     // How many GetValue calls a compiled program answered.
     long long GetNbOfValueProgramRuns() const;
+    // A change below a node invalidates the buffered nodes above it; the walk
+    // up stops where it meets a node whose ancestors are all invalid already
+    // (see ZorWBInvalidation.cpp). Off, it always walks to the top: the same
+    // buffers end invalid.
+    void EnableResetShortcut(bool enable);
+    bool IsResetShortcutEnabled() const { return _resetShortcut; }
+    // How many times an upward reset has invalidated a node (the node it
+    // starts from included) since the factory was made or the counter reset.
+    long long GetNbOfBufferResets() const { return _nbOfBufferResets; }
+    void ResetNbOfBufferResets() { _nbOfBufferResets = 0; }
     // A number that changes whenever a node loses, gains or swaps a child, a
     // Step parameter or a black box, is made buffered or unbuffered, or is
     // destroyed.
@@ -673,6 +684,19 @@ class ZORWBX_API ZorWBFactory {
         const ZorWBExpression* node;
         int position;  // how many children positions are handled
     };
+    // The result of a node in a running real-number evaluation.
+    struct RealSlot {
+        const ZorWBExpression* node;
+        double real;
+    };
+    // A running real-number evaluation (see ZorWBEvaluation.cpp): nodes
+    // computed in it are marked with the index of the slot that holds
+    // their result, with RealSlotMark set. While it runs inside a value
+    // evaluation it saves the marks it overwrites, and gives them back at
+    // its end, as a value evaluation running inside it does.
+    class RealWalk;
+    static constexpr unsigned int RealSlotMark = 0x80000000u;
+    static constexpr std::size_t NoRealWalk = ~std::size_t(0);
 
     void Initialize();
     // Makes the node of type with n children, the class chosen by the
@@ -746,8 +770,24 @@ class ZORWBX_API ZorWBFactory {
     ZorWBExpression* ReplaceTemporaryExpressions(
         ZorWBExpression* e, std::unordered_map<const ZorWBExpression*, ZorWBExpression*>& copies);
 
-    // Walk numbers (see ZorWBGraphWalk): a fresh one per walk.
+    // Whether upward resets stop at marked nodes: enabled, and no walk ran
+    // short of memory.
+    bool UsesResetShortcut() const;
+    // Walk numbers (see ZorWBGraphWalk): a fresh one per walk, below
+    // RealSlotMark.
     unsigned int NewWalk();
+    // The slot of node's result in the innermost running real-number
+    // evaluation; null when it has not computed node.
+    RealSlot* RunningRealSlot(const ZorWBExpression* node);
+    // Marks node as computed in the innermost running real evaluation, with
+    // real as its result until changed; false, leaving it unmarked, when
+    // memory is short.
+    bool StartRealSlot(const ZorWBExpression* node, double real);
+    // Sets a node's walk mark, saving the one it had when a walk of the
+    // other kind (value or real) is running beneath, for RestoreMarks.
+    void Mark(const ZorWBExpression* node, unsigned int mark, bool save);
+    // Gives back the marks saved since the count was saved.
+    void RestoreMarks(std::size_t saved);
     void NoteStructureChange() { ++_structureVersion; }
     // The compiled programs of Eval() and GetValue(), made at first use
     // (null when memory is short or they are turned off).
@@ -783,9 +823,17 @@ class ZORWBX_API ZorWBFactory {
     std::vector<ZorWBExpression*> _walkStack;
     unsigned int _walkCounter = 0;
     unsigned int _valueWalk = 0;  // walk number of the running value evaluation
-    unsigned int _realWalk = 0;   // walk number of the running real evaluation
+    // The slots of the running real evaluations, the first of the innermost.
+    std::vector<RealSlot> _realSlots;
+    std::size_t _realBase = NoRealWalk;
+    bool _realCrossing = false;  // the innermost one runs beneath a value evaluation
+    // Marks that walks running inside walks of the other kind overwrote.
+    std::vector<std::pair<const ZorWBExpression*, unsigned int>> _savedMarks;
     int _evaluationDepth = 0;
     long long _nbOfEvaluations = 0;
+    long long _nbOfBufferResets = 0;
+    bool _resetShortcut = true;
+    bool _resetShortcutBroken = false;
     unsigned long long _structureVersion = 0;
     // Integrate nodes alive (permanent and temporary).
     int _nbOfIntegrateNodes = 0;

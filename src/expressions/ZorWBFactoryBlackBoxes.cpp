@@ -91,17 +91,16 @@ ZorWBExpression* ZorWBFactory::DeclareDerivativeCall(ZorWBBlackBoxOperator* call
         return DeclareOwnDerivative(new (std::nothrow) ZorWBDerivBlackBox(primitive, x), call);
     ZorWBBlackBoxOperator* node = derivative->GetOperator();
     if (node && node->GetFactory() == this && SameArguments(node, call)) return node;
-    return DeclareBlackBox(derivative, call->_nbOfChildren, call->_children,
-                           derivative->IsInternal());
+    return DeclareBlackBox(derivative, call->_count, call->Children(), derivative->IsInternal());
 }
 
 ZorWBExpression* ZorWBFactory::DeclarePartialDerivativeCall(ZorWBBlackBoxOperator* call, int i) {
     ZorWBBlackBox* primitive = call->GetBlackBox();
-    if (!primitive || i < 0 || i >= call->_nbOfChildren) return nullptr;
+    if (!primitive || i < 0 || i >= call->_count) return nullptr;
     for (ZorWBDerivBlackBox* derivative : _derivBlackBoxes) {
         if (derivative->IsAPrimitive(primitive) && derivative->GetDiffArgument() == i &&
             derivative->IsInternal())
-            return DeclareBlackBox(derivative, call->_nbOfChildren, call->_children, true);
+            return DeclareBlackBox(derivative, call->_count, call->Children(), true);
     }
     return DeclareOwnDerivative(
         new (std::nothrow) ZorWBDerivBlackBox(primitive, i, _environment.GetBBPrecision()), call);
@@ -110,7 +109,7 @@ ZorWBExpression* ZorWBFactory::DeclarePartialDerivativeCall(ZorWBBlackBoxOperato
 ZorWBExpression* ZorWBFactory::DeclareOwnDerivative(ZorWBDerivBlackBox* derivative,
                                                     ZorWBBlackBoxOperator* call) {
     if (!derivative) return nullptr;
-    ZorWBExpression* node = DeclareBlackBox(derivative, call->_nbOfChildren, call->_children, true);
+    ZorWBExpression* node = DeclareBlackBox(derivative, call->_count, call->Children(), true);
     // Once registered, the factory destroys it with the others.
     if (!node && !_blackBoxes.Contains(derivative)) delete derivative;
     return node;

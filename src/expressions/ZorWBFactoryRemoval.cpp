@@ -120,7 +120,7 @@ bool ZorWBFactory::DestroyNodes(const std::vector<ZorWBExpression*>& nodes) try 
     Filter(_temporaryExpressions, dying);
     for (ZorWBExpression* node : nodes) {
         node->_parents.Clear();
-        if (!node->IsLeaf()) static_cast<ZorWBOperator*>(node)->_nbOfChildren = 0;
+        if (!node->IsLeaf()) node->_count = 0;
     }
     // These walks renumber the marks: the batch is not known any more.
     for (std::size_t i = 0; i < parents.size(); ++i) {

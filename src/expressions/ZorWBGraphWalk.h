@@ -15,7 +15,7 @@
 class ZorWBGraphWalk {
   public:
     static int NbOfChildren(const ZorWBExpression* node) {
-        return node->IsLeaf() ? 0 : static_cast<const ZorWBOperator*>(node)->_nbOfChildren;
+        return node->IsLeaf() ? 0 : node->_count;
     }
     // The children that an evaluation reaches: all of them, but none of an
     // IfThenElse lacking one of its three (it is undefined without them).
@@ -24,7 +24,7 @@ class ZorWBGraphWalk {
         return node->GetType() == ZorWBExpressionType::IfThenElse && n != 3 ? 0 : n;
     }
     static ZorWBExpression* Child(const ZorWBExpression* node, int i) {
-        return static_cast<const ZorWBOperator*>(node)->_children[i];
+        return static_cast<const ZorWBOperator*>(node)->Children()[i];
     }
 
     // Calls visit(node) once for each node of the subgraph, root included,

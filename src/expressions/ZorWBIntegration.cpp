@@ -313,7 +313,7 @@ ZorWBExpression* ZorWBConstant::IntegrateTableProtected(ZorWBVariable* variable,
     ZorWBFactory& factory = *GetFactory();
     done = variable != nullptr;
     if (!variable) return factory.CreateIntegrateOperator(this, variable);
-    if (_constantValue.IsEqualTo(GetEnvironment(), ZorWBValue(0.0)))
+    if (GetExprValue().IsEqualTo(GetEnvironment(), ZorWBValue(0.0)))
         return factory.CreateIntegerConstant(0);
     return factory.CreateProduct(this, variable);
 }

@@ -9,44 +9,46 @@
 
 ZorWBOperator::ZorWBOperator(ZorWBFactory* factory, ZorWBExpressionType type, int tag, int n,
                              ZorWBExpression* const* children)
-    : ZorWBExpression(factory, type, tag), _children(_inlineChildren) {
+    : ZorWBExpression(factory, type, tag) {
     if (n <= 0 || !children) return;
-    if (n > 2) {
-        _children = new (std::nothrow) ZorWBExpression*[n];
-        if (!_children) {
-            _children = _inlineChildren;
-            return;  // no children: the factory sees the shortfall and gives up
-        }
+    if (n > NbOfInlineChildren) {
+        ZorWBExpression** heap = new (std::nothrow) ZorWBExpression*[n];
+        if (!heap) return;  // no children: the factory sees the shortfall and gives up
+        _heapChildren = heap;
+        _traits |= HeapChildrenTrait;
     }
+    ZorWBExpression** own = Children();
     for (int i = 0; i < n; ++i) {
         if (!children[i] || !AddParent(children[i], this)) return;
-        _children[i] = children[i];
-        ++_nbOfChildren;
+        own[i] = children[i];
+        ++_count;
     }
 }
 
 ZorWBOperator::~ZorWBOperator() {
+    ZorWBExpression** children = Children();
     if (!IsFactoryDestroying()) {
-        for (int i = 0; i < _nbOfChildren; ++i)
-            _children[i]->_parents.Remove(this);
+        for (int i = 0; i < _count; ++i)
+            children[i]->_parents.Remove(this);
     }
-    if (_children != _inlineChildren) delete[] _children;
+    if (_traits & HeapChildrenTrait) delete[] _heapChildren;
 }
 
 const ZorWBExpression* ZorWBOperator::GetChild(int i) const {
-    return (i >= 0 && i < _nbOfChildren) ? _children[i] : nullptr;
+    return (i >= 0 && i < _count) ? Children()[i] : nullptr;
 }
 
 ZorWBExpression* ZorWBOperator::GetChild(int i) {
-    return (i >= 0 && i < _nbOfChildren) ? _children[i] : nullptr;
+    return (i >= 0 && i < _count) ? Children()[i] : nullptr;
 }
 
 bool ZorWBOperator::RemoveChild(int i) {
-    if (i < 0 || i >= _nbOfChildren) return false;
-    ZorWBExpression* child = _children[i];
-    for (int j = i + 1; j < _nbOfChildren; ++j)
-        _children[j - 1] = _children[j];
-    _children[--_nbOfChildren] = nullptr;
+    if (i < 0 || i >= _count) return false;
+    ZorWBExpression** children = Children();
+    ZorWBExpression* child = children[i];
+    for (int j = i + 1; j < _count; ++j)
+        children[j - 1] = children[j];
+    children[--_count] = nullptr;
     NoteStructureChange();
     RemoveParent(child, this);
     ResetBufferComplete();
@@ -54,15 +56,15 @@ bool ZorWBOperator::RemoveChild(int i) {
 }
 
 bool ZorWBOperator::RemoveChild(ZorWBExpression* child) {
-    for (int i = 0; i < _nbOfChildren; ++i) {
-        if (_children[i] == child) return RemoveChild(i);
+    for (int i = 0; i < _count; ++i) {
+        if (Children()[i] == child) return RemoveChild(i);
     }
     return false;
 }
 
 bool ZorWBOperator::ReplaceChild(int i, ZorWBExpression* child) {
-    if (i < 0 || i >= _nbOfChildren || !child || child->GetFactory() != GetFactory()) return false;
-    if (child == _children[i]) return true;
+    if (i < 0 || i >= _count || !child || child->GetFactory() != GetFactory()) return false;
+    if (child == Children()[i]) return true;
     // The new edge closes a cycle exactly when child is this node or one of
     // its ancestors.
     bool cycle = child == this;
@@ -76,9 +78,9 @@ bool ZorWBOperator::ReplaceChild(int i, ZorWBExpression* child) {
 }
 
 bool ZorWBOperator::ReplaceChildUnchecked(int i, ZorWBExpression* child) {
-    ZorWBExpression* old = _children[i];
+    ZorWBExpression* old = Children()[i];
     if (!AddParent(child, this)) return false;
-    _children[i] = child;
+    Children()[i] = child;
     NoteStructureChange();
     RemoveParent(old, this);
     ResetBufferComplete();
@@ -96,8 +98,9 @@ void ZorWBOperator::ResetBuffer(bool complete) {
 
 bool ZorWBOperator::ValidateAllowBufferEval() const {
     if (!AllowsBufferEval()) return false;
-    for (int i = 0; i < _nbOfChildren; ++i) {
-        if (!_children[i]->AllowsBufferEval()) return false;
+    ZorWBExpression* const* children = Children();
+    for (int i = 0; i < _count; ++i) {
+        if (!children[i]->AllowsBufferEval()) return false;
     }
     return true;
 }
@@ -109,7 +112,7 @@ void ZorWBOperator::RemoveUniqueChildren() try {
 }
 
 bool ZorWBOperator::HasSameHead(const ZorWBOperator* other) const {
-    return other->GetType() == GetType() && other->_nbOfChildren == _nbOfChildren;
+    return other->GetType() == GetType() && other->_count == _count;
 }
 
 // ------------------------------------------------------------ Step parameters

@@ -9,7 +9,7 @@
 // evaluate and differentiate.
 class ZORWBX_API ZorWBOperator : public ZorWBExpression {
   public:
-    int GetNbOfChildren() const override { return _nbOfChildren; }
+    int GetNbOfChildren() const override { return _count; }
     const ZorWBExpression* GetChild(int i) const override;
     ZorWBExpression* GetChild(int i) override;
     using ZorWBExpression::RemoveChild;
@@ -48,10 +48,10 @@ class ZORWBX_API ZorWBOperator : public ZorWBExpression {
 
     // What DoEval reads: the children's values or reals in the running
     // evaluation.
-    const ZorWBValue& ChildValue(int i) const { return ValueOf(_children[i]); }
-    double ChildReal(int i) const { return RealOf(_children[i]); }
+    const ZorWBValue& ChildValue(int i) const { return ValueOf(Children()[i]); }
+    double ChildReal(int i) const { return RealOf(Children()[i]); }
     // Fewer children than needed: the value is undefined (the real NaN).
-    bool HasChildren(int needed) const { return _nbOfChildren >= needed; }
+    bool HasChildren(int needed) const { return _count >= needed; }
 
   private:
     friend class ZorWBExpression;
@@ -60,7 +60,15 @@ class ZORWBX_API ZorWBOperator : public ZorWBExpression {
     friend class ZorWBValueProgram;
     friend class ZorWBValueProgramCompiler;
     bool ReplaceChildUnchecked(int i, ZorWBExpression* child);
-    ZorWBExpression* ChildAt(int i) const { return _children[i]; }
+    ZorWBExpression* ChildAt(int i) const { return Children()[i]; }
+    // The children in order: inline for at most two, else in an array on
+    // the heap (HeapChildrenTrait).
+    ZorWBExpression* const* Children() const {
+        return (_traits & HeapChildrenTrait) ? _heapChildren : _inlineChildren;
+    }
+    ZorWBExpression** Children() {
+        return (_traits & HeapChildrenTrait) ? _heapChildren : _inlineChildren;
+    }
     // Computes the value field through the shortcut of the type
     // (ZorWBOperatorFunctions.h), as DoEval would; false, touching nothing,
     // where the shortcut does not apply. Not for the folds, which go step
@@ -77,33 +85,33 @@ class ZORWBX_API ZorWBOperator : public ZorWBExpression {
     // Whether the value fold reads a buffered first child at the second
     // step rather than copying it at the first: its value stays put in
     // between, and the copy is spared.
-    bool KeepsFirstOperand() const {
-        return _nbOfChildren >= 2 && _children[0]->AllowsBufferEval();
-    }
+    bool KeepsFirstOperand() const { return _count >= 2 && Children()[0]->AllowsBufferEval(); }
     // Drops every child position holding a node for which drop(node) holds,
     // without telling the children; whether one of them was unbuffered.
     template <class Drop>
     bool DropChildren(Drop&& drop) {
+        ZorWBExpression** children = Children();
         int kept = 0;
         bool unbuffered = false;
-        for (int i = 0; i < _nbOfChildren; ++i) {
-            ZorWBExpression* child = _children[i];
+        for (int i = 0; i < _count; ++i) {
+            ZorWBExpression* child = children[i];
             if (drop(child)) {
                 unbuffered = unbuffered || !child->AllowsBufferEval();
             } else {
-                _children[kept++] = child;
+                children[kept++] = child;
             }
         }
-        for (int i = kept; i < _nbOfChildren; ++i)
-            _children[i] = nullptr;
-        _nbOfChildren = kept;
+        for (int i = kept; i < _count; ++i)
+            children[i] = nullptr;
+        _count = kept;
         return unbuffered;
     }
 
-    ZorWBExpression** _children;
-    int _nbOfChildren = 0;
-    // Binary and unary operators keep their children here, without allocating.
-    ZorWBExpression* _inlineChildren[2] = {nullptr, nullptr};
+    static constexpr int NbOfInlineChildren = 2;
+    union {
+        ZorWBExpression* _inlineChildren[NbOfInlineChildren] = {nullptr, nullptr};
+        ZorWBExpression** _heapChildren;
+    };
 };
 
 // Declares the overrides that every operator family provides.

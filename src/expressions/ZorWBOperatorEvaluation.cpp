@@ -386,14 +386,14 @@ bool ZorWBOperator::EvaluateFast() const {
     if (ZorWBIsFoldType(GetType())) return false;
     ZorWBValueShortcut shortcut = ZorWBValueShortcutOf(GetType());
     const int needed = GetType() == Type::Quotient || GetType() == Type::Power ? 2 : 1;
-    if (!shortcut || _nbOfChildren < needed) return false;
+    if (!shortcut || _count < needed) return false;
     const unsigned int walk = _factory->_valueWalk;
     auto ready = [walk](const ZorWBExpression* child) -> const ZorWBValue* {
         bool done = (child->_flags & BufferValidFlag) || (walk != 0 && child->_walkMark == walk);
         return done ? &child->_value : nullptr;
     };
-    const ZorWBValue* a = ready(_children[0]);
-    const ZorWBValue* b = ready(_children[needed - 1]);
+    const ZorWBValue* a = ready(Children()[0]);
+    const ZorWBValue* b = ready(Children()[needed - 1]);
     return a && b && shortcut(_factory->_environment, *a, *b, _value);
 }
 
@@ -401,7 +401,7 @@ bool ZorWBOperator::EvaluateFast() const {
 
 void ZorWBOperator::FoldValue(int i) const {
     // The walk folds a child in once it is computed or found ready.
-    const ZorWBValue& child = _children[i]->_value;
+    const ZorWBValue& child = Children()[i]->_value;
     if (i == 0) {
         if (!KeepsFirstOperand()) _value = child;
         return;
@@ -410,7 +410,7 @@ void ZorWBOperator::FoldValue(int i) const {
     const ZorWBEnvironment& environment = _factory->_environment;
     const bool fast = _factory->_fastValues && kind.shortcut;
     if (i == 1 && KeepsFirstOperand()) {
-        const ZorWBValue& first = _children[0]->_value;
+        const ZorWBValue& first = Children()[0]->_value;
         if (fast && kind.shortcut(environment, first, child, _value)) return;
         _value = first;
     }
@@ -419,6 +419,8 @@ void ZorWBOperator::FoldValue(int i) const {
 }
 
 void ZorWBOperator::FoldReal(int i) const {
-    double child = _children[i]->_real;
-    _real = i == 0 ? child : BinaryKindOf(GetType()).real(_real, child);
+    double child = RealOf(Children()[i]);
+    ZorWBFactory::RealSlot* running = _factory->RunningRealSlot(this);
+    if (!running) return;  // memory was short: the node is computed on request
+    running->real = i == 0 ? child : BinaryKindOf(GetType()).real(running->real, child);
 }

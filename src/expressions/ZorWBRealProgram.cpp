@@ -7,12 +7,14 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "expressions/ZorWBConstant.h"
 #include "expressions/ZorWBExpression.h"
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBGraphWalk.h"
 #include "expressions/ZorWBOperator.h"
+#include "expressions/ZorWBRealWalk.h"
 #include "expressions/ZorWBSlopes.h"
 #include "values/ZorWBValueFunctions.h"
 
@@ -66,17 +68,15 @@ void ZorWBRealProgram::RunWithInputs(ZorWBFactory& factory) {
                   _registers.begin() + _slotBase + static_cast<std::ptrdiff_t>(_arguments.size()),
                   ZorWBRealNoSlope());
     // Nodes that evaluate themselves read their children's results as the
-    // node walk leaves them: in the children, under a walk number.
-    unsigned int outer = factory._realWalk;
-    unsigned int walk = _callsNodes ? factory.NewWalk() : 0;
-    if (_callsNodes) factory._realWalk = walk;
+    // node walk leaves them: in the slots of a running real evaluation.
+    std::optional<ZorWBFactory::RealWalk> walk;
+    if (_callsNodes) walk.emplace(factory);
     ++factory._evaluationDepth;
-    Execute(factory, walk);
+    Execute(factory);
     --factory._evaluationDepth;
-    factory._realWalk = outer;
 }
 
-void ZorWBRealProgram::Execute(const ZorWBFactory& factory, unsigned int walk) {
+void ZorWBRealProgram::Execute(ZorWBFactory& factory) {
     double* r = _registers.data();
     const Instruction* const code = _code.data();
     const Instruction* const end = code + _code.size();
@@ -167,14 +167,14 @@ void ZorWBRealProgram::Execute(const ZorWBFactory& factory, unsigned int walk) {
                 break;
             }
             default:  // Step, Round3, Node
-                ExecuteCall(*in, environment, walk);
+                ExecuteCall(*in, factory);
                 break;
         }
     }
 }
 
-void ZorWBRealProgram::ExecuteCall(const Instruction& in, const ZorWBEnvironment& environment,
-                                   unsigned int walk) {
+void ZorWBRealProgram::ExecuteCall(const Instruction& in, ZorWBFactory& factory) {
+    const ZorWBEnvironment& environment = factory.GetEnvironment();
     double* r = _registers.data();
     switch (in.op) {
         case Op::Step: {
@@ -191,9 +191,8 @@ void ZorWBRealProgram::ExecuteCall(const Instruction& in, const ZorWBEnvironment
             const ZorWBOperator* node = in.node;
             int n = std::min(in.b, ZorWBGraphWalk::NbOfChildren(node));
             for (int i = 0; i < n; ++i) {
-                const ZorWBExpression* child = ZorWBGraphWalk::Child(node, i);
-                child->_real = r[_arguments[static_cast<std::size_t>(in.a + i)]];
-                child->_realMark = walk;
+                factory.StartRealSlot(ZorWBGraphWalk::Child(node, i),
+                                      r[_arguments[static_cast<std::size_t>(in.a + i)]]);
             }
             r[in.dst] = static_cast<const ZorWBExpression*>(node)->DoEval();
             return;

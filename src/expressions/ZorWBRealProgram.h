@@ -150,10 +150,10 @@ class ZorWBRealProgram {
     ZorWBRealProgram() = default;
     // Reads the leaves that are not inputs into their registers.
     void ReadLeaves();
-    void Execute(const ZorWBFactory& factory, unsigned int walk);
+    void Execute(ZorWBFactory& factory);
     // The instructions that call out (steps, roundings, black boxes), kept
     // out of the loop of the frequent ones.
-    void ExecuteCall(const Instruction& in, const ZorWBEnvironment& environment, unsigned int walk);
+    void ExecuteCall(const Instruction& in, ZorWBFactory& factory);
     void ExecuteValues(const ZorWBEnvironment& environment);
     // The stamps of a program with guards start a new run.
     void NextEpoch();

@@ -11,30 +11,24 @@
 // before it, less those removed since (see ZorWBFactory::RemoveExpression).
 class ZORWBX_API ZorWBVariable : public ZorWBConstant {
   public:
-    int GetIdx() const { return _index; }
+    int GetIdx() const { return _count; }
 
     // "va" followed by the index until a name is set.
     const ZorQelString& GetName();
     void SetName(const ZorQelString& name) { _name = name; }
 
-    void SetPreferedValue(double value) {
-        _preferredValue = value;
-        _hasPreferredValue = true;
-    }
-    double GetPreferedValue() const { return _preferredValue; }
+    void SetPreferedValue(double value);
+    double GetPreferedValue() const;
     // False, leaving value alone, while no preferred value was set.
-    bool GetPreferedValue(double& value) const {
-        if (!_hasPreferredValue) return false;
-        value = _preferredValue;
-        return true;
-    }
+    bool GetPreferedValue(double& value) const;
 
     // Changing the fixed state invalidates every buffer of the factory.
     void Fix(bool fixed);
-    bool IsFixed() const { return _fixed; }
+    bool IsFixed() const { return (_traits & FixedTrait) != 0; }
 
-    void SetDividedFlag(int flag) { _dividedFlag = flag; }
-    int GetDividedFlag() const { return _dividedFlag; }
+    // 1 until set.
+    void SetDividedFlag(int flag);
+    int GetDividedFlag() const;
 
     bool IsEqualTo(const ZorWBExpression* other) const override;
 
@@ -51,11 +45,8 @@ class ZORWBX_API ZorWBVariable : public ZorWBConstant {
     // ("va" and the old index) follows it.
     void SetIndex(int index);
 
-    int _index;
-    double _preferredValue = 0.0;
-    bool _hasPreferredValue = false;
-    bool _fixed = false;
-    int _dividedFlag = 1;
+    // The index is the node's count field, and the settings other than the
+    // value and the name live in the annex: few variables have them.
     ZorQelString _name;
 };
 

@@ -2,10 +2,9 @@
  * model's creation operations, appends the id of every equation it adds to
  * the caller's array, reports syntax errors to the messenger, and hands each
  * black box it declares to the caller's list (or, without a list, to the
- * model). Nodes belong to the model; the only heap values on the parser's
- * stack are identifier texts and argument lists, which the rule consuming
- * them frees, and which the destructors below free when error recovery or
- * an abort discards them. */
+ * model). Nodes belong to the model; identifier texts and argument lists
+ * live in the arena of the parse (the scanner's), so that nothing on the
+ * parser's stack needs freeing, whatever error recovery discards. */
 
 %require "3.2"
 %define api.pure full
@@ -26,6 +25,14 @@
 typedef void* yyscan_t;
 #endif
 
+/* The arguments of a call, as the parser gathers them (in the arena of the
+ * parse). */
+struct ZorWBArgumentList {
+    ZorWBNode** items;
+    int size;
+    int capacity;
+};
+
 /* The depth of the parser's stack: a text nested deeper (brackets, unary
  * minus signs, powers, function calls, conditions) is refused with "memory
  * exhausted" instead of growing the stack further. */
@@ -37,14 +44,19 @@ int zorwb_yylex(ZORWB_YYSTYPE* value, ZORWB_YYLTYPE* location, yyscan_t scanner)
 }
 
 %code {
+#include <climits>
 #include <new>
 
 #include "parser/ZorWBLocation.h"
 #include "parser/ZorWBNode.h"
+#include "parser/ZorWBScannerFault.h"
 #include "values/ZorWBFraction.h"
 #include "values/ZorWBValue.h"
 
 #define YYMAXDEPTH ZORWB_PARSER_MAX_DEPTH
+
+// The scanner's state, which holds the arena of the parse.
+ZorWBScannerInput* zorwb_yyget_extra(yyscan_t scanner);
 
 namespace {
 
@@ -57,45 +69,63 @@ ZorWBValue PiValue() {
     return ZorWBValue(ZorWBCreateFraction(1, 1, 1, 0));
 }
 
-// A new heap list, null when memory is short.
-ZorWBNodeList* NewList() {
-    return new (std::nothrow) ZorWBNodeList();
+ZorWBModelArena& ArenaOf(yyscan_t scanner) {
+    return zorwb_yyget_extra(scanner)->lexemes;
 }
 
-bool Append(ZorWBNodeList* list, ZorWBNode* node) {
+// A new empty list in the arena of the parse, null when memory is short.
+ZorWBArgumentList* NewList(yyscan_t scanner) {
+    void* room = ArenaOf(scanner).Allocate(sizeof(ZorWBArgumentList));
+    return room ? new (room) ZorWBArgumentList{nullptr, 0, 0} : nullptr;
+}
+
+// Appends a node, doubling the room in the arena when full; false when
+// memory is short.
+bool Append(yyscan_t scanner, ZorWBArgumentList* list, ZorWBNode* node) {
     if (!list) return false;
-    try {
-        list->Add(node);
-    } catch (...) {
-        return false;
+    if (list->size == list->capacity) {
+        if (list->capacity > INT_MAX / 2) return false;
+        int capacity = list->capacity == 0 ? 4 : 2 * list->capacity;
+        void* room =
+            ArenaOf(scanner).Allocate(sizeof(ZorWBNode*) * static_cast<std::size_t>(capacity));
+        if (!room) return false;
+        auto* items = static_cast<ZorWBNode**>(room);
+        for (int i = 0; i < list->size; ++i)
+            items[i] = list->items[i];
+        list->items = items;
+        list->capacity = capacity;
+    }
+    list->items[list->size++] = node;
+    return true;
+}
+
+bool IsComplete(const ZorWBArgumentList* list) {
+    if (!list) return false;
+    for (int i = 0; i < list->size; ++i) {
+        if (!list->items[i]) return false;
     }
     return true;
 }
 
-bool IsComplete(const ZorWBNodeList* list) {
-    if (!list) return false;
-    for (ZorWBNode* node : *list) {
-        if (!node) return false;
-    }
-    return true;
+ZorWBNodeList AsNodeList(const ZorWBArgumentList& list) {
+    ZorWBNodeList nodes;
+    for (int i = 0; i < list.size; ++i)
+        nodes.Add(list.items[i]);
+    return nodes;
 }
 
 ZorWBOpNode* Operator(ZorWBModel& model, const ZORWB_YYLTYPE& location, ZorWBExpressionType type,
                       ZorWBNode* first, ZorWBNode* second,
                       ZorWBComparisonType comparison = ZorWBNoComparison) {
     if (!first || !second) return nullptr;
-    ZorWBNodeList children;
-    children.Add(first);
-    children.Add(second);
-    return model.CreateOperator(At(location), type, comparison, children);
+    ZorWBNode* children[] = {first, second};
+    return model.CreateOperator(At(location), type, comparison, 2, children);
 }
 
 ZorWBOpNode* Operator(ZorWBModel& model, const ZORWB_YYLTYPE& location, ZorWBExpressionType type,
                       ZorWBNode* operand) {
     if (!operand) return nullptr;
-    ZorWBNodeList children;
-    children.Add(operand);
-    return model.CreateOperator(At(location), type, children);
+    return model.CreateOperator(At(location), type, ZorWBNoComparison, 1, &operand);
 }
 
 // A comparison of a condition: NotEqual for !=, LessEqual with the
@@ -141,12 +171,12 @@ ZorWBNode* TimesPi(ZorWBModel& model, const ZORWB_YYLTYPE& location, ZorWBNode* 
 // function is declared.
 ZorWBNode* BlackBoxCall(ZorWBModel& model, ZorQelListPZorWBBlackBox* blackBoxes,
                         const ZORWB_YYLTYPE& location, const char* name,
-                        const ZorWBNodeList* arguments) {
-    if (!name || !IsComplete(arguments)) return nullptr;
-    if (ZorWBOpNode* known = model.GetBBxOp(name, *arguments)) return known;
+                        const ZorWBNodeList& arguments) {
+    if (!name) return nullptr;
+    if (ZorWBOpNode* known = model.GetBBxOp(name, arguments)) return known;
     ZorWBBBx* blackBox = new (std::nothrow) ZorWBBBx(ZorQelString(name));
     if (!blackBox) return nullptr;
-    ZorWBOpNode* call = model.DeclareBlackBox(At(location), blackBox, *arguments);
+    ZorWBOpNode* call = model.DeclareBlackBox(At(location), blackBox, arguments);
     bool handed = false;
     if (call && blackBoxes) {
         try {
@@ -202,7 +232,7 @@ void zorwb_yyerror(ZORWB_YYLTYPE* location, yyscan_t scanner, ZorWBModel& model,
     double real;
     char* text;
     ZorWBNode* node;
-    ZorWBNodeList* list;
+    ZorWBArgumentList* list;
     ZorWBExpressionType operatorType;
     ZorWBEquationType equationType;
 }
@@ -248,9 +278,6 @@ void zorwb_yyerror(ZORWB_YYLTYPE* location, yyscan_t scanner, ZorWBModel& model,
 %type <operatorType> boolean_relation
 %type <list> function_args.opt function_args
 
-%destructor { delete[] $$; } <text>
-%destructor { delete $$; } <list>
-
 %%
 
 model:
@@ -272,12 +299,9 @@ equation:
     "left bracket" expression equation_type expression "right bracket" TOKEN_SEMICOLON
         {
             if ($3 && $7 && $9 && $13 && $15 && $8 == $14 && $7->IsEqual($13)) {
-                ZorWBNodeList children;
-                children.Add($3);
-                children.Add($9);
-                children.Add($15);
-                ZorWBNode* choice =
-                    model.CreateOperator(At(@$), ZorWBExpressionType::IfThenElse, children);
+                ZorWBNode* children[] = {$3, $9, $15};
+                ZorWBNode* choice = model.CreateOperator(At(@$), ZorWBExpressionType::IfThenElse,
+                                                         ZorWBNoComparison, 3, children);
                 AddEquation(equationIds, model.AddEquation(At(@$), $7, $8, choice));
             }
         }
@@ -304,22 +328,18 @@ expression:
     "integer" "Pi" "identifier"
         {
             $$ = TimesPi(model, @$, model.CreateConstant(At(@$), ZorWBValue($1)), $3, &@3);
-            delete[] $3;
         }
   | "Pi" "identifier"
         {
             $$ = $2 ? model.CreateConstant(At(@$), PiValue(), At(@2), $2) : nullptr;
-            delete[] $2;
         }
   | "integer" "identifier"
         {
             $$ = $2 ? model.CreateConstant(At(@$), ZorWBValue($1), At(@2), $2) : nullptr;
-            delete[] $2;
         }
   | "real" "identifier"
         {
             $$ = $2 ? model.CreateConstant(At(@$), ZorWBValue($1), At(@2), $2) : nullptr;
-            delete[] $2;
         }
   | "integer" "Pi"
         { $$ = TimesPi(model, @$, model.CreateConstant(At(@$), ZorWBValue($1)), nullptr, nullptr); }
@@ -337,17 +357,14 @@ expression:
                 $$ = model.GetVariable(name, At(@1));
                 if (!$$) $$ = model.CreateVariable(At(@1), name);
             }
-            delete[] $1;
         }
   | "left bracket" expression "right bracket" "identifier"
         {
             $$ = WithUnit(model, $2, @4, $4);
-            delete[] $4;
         }
   | "left bracket" expression "right bracket" "Pi" "identifier"
         {
             $$ = $5 ? TimesPi(model, @$, $2, $5, &@5) : nullptr;
-            delete[] $5;
         }
   | "left bracket" expression "right bracket" "Pi"
         { $$ = TimesPi(model, @$, $2, nullptr, nullptr); }
@@ -370,31 +387,24 @@ expression:
         {
             $$ = nullptr;
             if ($3 && $7 && $11) {
-                ZorWBNodeList children;
-                children.Add($3);
-                children.Add($7);
-                children.Add($11);
-                $$ = model.CreateOperator(At(@$), ZorWBExpressionType::IfThenElse, children);
+                ZorWBNode* children[] = {$3, $7, $11};
+                $$ = model.CreateOperator(At(@$), ZorWBExpressionType::IfThenElse,
+                                          ZorWBNoComparison, 3, children);
             }
         }
   | TOKEN_BUILTIN_FUNC "left bracket" function_args.opt "right bracket"
         {
             $$ = nullptr;
-            if (IsComplete($3) && !$3->IsEmpty()) $$ = model.CreateOperator(At(@$), $1, *$3);
-            delete $3;
+            if (IsComplete($3) && $3->size > 0)
+                $$ = model.CreateOperator(At(@$), $1, ZorWBNoComparison, $3->size, $3->items);
         }
   | "identifier" "left bracket" function_args.opt "right bracket"
         {
-            $$ = BlackBoxCall(model, blackBoxes, @$, $1, $3);
-            delete[] $1;
-            delete $3;
+            $$ = IsComplete($3) ? BlackBoxCall(model, blackBoxes, @$, $1, AsNodeList(*$3))
+                                : nullptr;
         }
   | "identifier" TOKEN_EMPTYPAREN
-        {
-            ZorWBNodeList none;
-            $$ = BlackBoxCall(model, blackBoxes, @$, $1, &none);
-            delete[] $1;
-        }
+        { $$ = BlackBoxCall(model, blackBoxes, @$, $1, ZorWBNodeList()); }
     ;
 
 conditions:
@@ -427,7 +437,7 @@ boolean_relation:
 
 function_args.opt:
     %empty
-        { $$ = NewList(); }
+        { $$ = NewList(scanner); }
   | function_args
         { $$ = $1; }
     ;
@@ -435,19 +445,13 @@ function_args.opt:
 function_args:
     expression
         {
-            $$ = NewList();
-            if (!Append($$, $1)) {
-                delete $$;
-                $$ = nullptr;
-            }
+            $$ = NewList(scanner);
+            if (!Append(scanner, $$, $1)) $$ = nullptr;
         }
   | function_args TOKEN_COMMA expression
         {
             $$ = $1;
-            if ($$ && !Append($$, $3)) {
-                delete $$;
-                $$ = nullptr;
-            }
+            if (!Append(scanner, $$, $3)) $$ = nullptr;
         }
     ;
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <new>
+#include <utility>
 
 #include "parser/ZorWBHash.h"
 #include "parser/ZorWBParserResult.h"
@@ -11,10 +12,30 @@ ZorWBModel::ZorWBModel() = default;
 
 ZorWBModel::ZorWBModel(unsigned int level) : _environment(level) {}
 
-ZorWBModel::~ZorWBModel() = default;
+// The nodes end where they lie; the arena frees their memory after.
+ZorWBModel::~ZorWBModel() {
+    for (ZorWBEqNode* equation : _equationsById) {
+        if (equation) equation->~ZorWBEqNode();
+    }
+    for (NodeChunk* chunk = _lastChunk; chunk; chunk = chunk->previous) {
+        for (int i = 0; i < chunk->size; ++i)
+            chunk->nodes[i]->~ZorWBNode();
+    }
+}
+
+bool ZorWBModel::List(ZorWBNode* node) {
+    if (!_lastChunk || _lastChunk->size == NodeChunk::Capacity) {
+        void* room = _arena.Allocate(sizeof(NodeChunk));
+        if (!room) return false;
+        _lastChunk = new (room) NodeChunk{_lastChunk, 0, {}};
+    }
+    _lastChunk->nodes[_lastChunk->size++] = node;
+    ++_nbOfNodes;
+    return true;
+}
 
 std::size_t ZorWBModel::PlaceHash::operator()(const Place& place) const {
-    std::size_t hash = std::hash<std::string>()(*place.name);
+    std::size_t hash = ZorWBHashText(*place.name);
     int values[4];
     place.location.GetLocation(values[0], values[1], values[2], values[3]);
     for (int value : values)
@@ -22,21 +43,19 @@ std::size_t ZorWBModel::PlaceHash::operator()(const Place& place) const {
     return hash;
 }
 
-// Takes ownership of a new node; null (and the node freed) when memory is short.
-template <class Node>
-Node* ZorWBModel::Own(Node* node) {
-    if (!node) return nullptr;
-    try {
-        _nodes.emplace_back(node);
-    } catch (...) {
-        delete node;
-        return nullptr;
-    }
-    return node;
+template <class Node, class... Arguments>
+Node* ZorWBModel::Make(Arguments&&... arguments) {
+    static_assert(alignof(Node) <= ZorWBModelArena::Alignment, "the arena aligns for the nodes");
+    void* room = _arena.Allocate(sizeof(Node));
+    if (!room) return nullptr;
+    Node* node = new (room) Node(std::forward<Arguments>(arguments)...);
+    if (List(node)) return node;
+    node->~Node();
+    return nullptr;
 }
 
 ZorWBConstNode* ZorWBModel::CreateConstant(const ZorWBLocation& location, const ZorWBValue& value) {
-    return Own(new (std::nothrow) ZorWBConstNode(location, &_environment, value));
+    return Make<ZorWBConstNode>(location, &_environment, value);
 }
 
 ZorWBConstNode* ZorWBModel::CreateConstant(const ZorWBLocation& location, const ZorWBValue& value,
@@ -48,7 +67,7 @@ ZorWBConstNode* ZorWBModel::CreateConstant(const ZorWBLocation& location, const 
 }
 
 ZorWBVarNode* ZorWBModel::CreateVariable(const ZorWBLocation& location, const ZorQelString& name) {
-    ZorWBVarNode* node = Own(new (std::nothrow) ZorWBVarNode(location, &_environment, name));
+    ZorWBVarNode* node = Make<ZorWBVarNode>(location, &_environment, name);
     if (!node) return nullptr;
     try {
         auto chain = _variablesByName.try_emplace(name.GetStdString(), NameChain{node, node, 0});
@@ -97,16 +116,21 @@ bool ZorWBModel::IndexPlaces() const {
 }
 
 ZorWBOpNode* ZorWBModel::MakeOperator(const ZorWBLocation& location, ZorWBExpressionType type,
-                                      ZorWBComparisonType comparison, const ZorWBNodeList& children,
-                                      ZorWBBlackBox* blackBox) {
-    ZorWBOpNode* node = Own(new (std::nothrow) ZorWBOpNode(location, &_environment, type,
-                                                           comparison, children, blackBox));
+                                      ZorWBComparisonType comparison, int n,
+                                      ZorWBNode* const* children, ZorWBBlackBox* blackBox) {
+    if (n < 0 || (n > 0 && !children)) return nullptr;
+    auto* own =
+        static_cast<ZorWBNode**>(_arena.Allocate(sizeof(ZorWBNode*) * static_cast<std::size_t>(n)));
+    if (n > 0 && !own) return nullptr;
+    for (int i = 0; i < n; ++i)
+        own[i] = children[i];
+    ZorWBOpNode* node =
+        Make<ZorWBOpNode>(location, &_environment, type, comparison, n, own, blackBox);
     if (!node) return nullptr;
-    for (int i = 0; i < children.GetSize(); ++i) {
-        ZorWBNode* child = children.Get(i);
-        if (!child) continue;
-        child->SetParentNode(node);
-        child->SetItsIndexAsChild(i);
+    for (int i = 0; i < n; ++i) {
+        if (!own[i]) continue;
+        own[i]->SetParentNode(node);
+        own[i]->SetItsIndexAsChild(i);
     }
     return node;
 }
@@ -119,18 +143,25 @@ ZorWBOpNode* ZorWBModel::CreateOperator(const ZorWBLocation& location, ZorWBExpr
 ZorWBOpNode* ZorWBModel::CreateOperator(const ZorWBLocation& location, ZorWBExpressionType type,
                                         ZorWBComparisonType comparison,
                                         const ZorWBNodeList& children) {
+    return CreateOperator(location, type, comparison, children.GetSize(), children.GetData());
+}
+
+ZorWBOpNode* ZorWBModel::CreateOperator(const ZorWBLocation& location, ZorWBExpressionType type,
+                                        ZorWBComparisonType comparison, int n,
+                                        ZorWBNode* const* children) {
     int number = static_cast<int>(type);
     bool isOperator = number >= static_cast<int>(ZorWBExpressionType::Not) &&
                       number < ZorWBNbOfExpressionTypes && type != ZorWBExpressionType::BlackBox;
     if (!isOperator || comparison < ZorWBNoComparison || comparison > ZorWBComparisonGreater)
         return nullptr;
-    return MakeOperator(location, type, comparison, children, nullptr);
+    return MakeOperator(location, type, comparison, n, children, nullptr);
 }
 
-std::size_t ZorWBModel::BlackBoxCallKey(const ZorQelString& name, const ZorWBNodeList& arguments) {
-    std::size_t key = std::hash<std::string>()(name.GetStdString());
-    for (ZorWBNode* argument : arguments)
-        key = ZorWBCombineHash(key, argument ? argument->GetShapeHash() : 0);
+std::size_t ZorWBModel::BlackBoxCallKey(const ZorQelString& name, int n,
+                                        ZorWBNode* const* arguments) {
+    std::size_t key = ZorWBHashText(name.GetStdString());
+    for (int i = 0; i < n; ++i)
+        key = ZorWBCombineHash(key, arguments[i] ? arguments[i]->GetShapeHash() : 0);
     return key;
 }
 
@@ -140,12 +171,14 @@ ZorWBOpNode* ZorWBModel::DeclareBlackBox(const ZorWBLocation& location, ZorWBBla
     // Only the first of equal calls is listed: repeats would pile up under one
     // key and make every later lookup slower.
     bool repeated = GetBBxOp(blackBox->GetName(), arguments) != nullptr;
-    ZorWBOpNode* node = MakeOperator(location, ZorWBExpressionType::BlackBox, ZorWBNoComparison,
-                                     arguments, blackBox);
+    int n = arguments.GetSize();
+    ZorWBOpNode* node = MakeOperator(location, ZorWBExpressionType::BlackBox, ZorWBNoComparison, n,
+                                     arguments.GetData(), blackBox);
     if (!node) return nullptr;
     try {
         if (!repeated)
-            _blackBoxCalls.emplace(BlackBoxCallKey(blackBox->GetName(), arguments), node);
+            _blackBoxCalls.emplace(BlackBoxCallKey(blackBox->GetName(), n, arguments.GetData()),
+                                   node);
         if (_declaredSet.insert(blackBox).second) _declaredBlackBoxes.push_back(blackBox);
     } catch (...) {
         return nullptr;
@@ -154,7 +187,8 @@ ZorWBOpNode* ZorWBModel::DeclareBlackBox(const ZorWBLocation& location, ZorWBBla
 }
 
 ZorWBOpNode* ZorWBModel::GetBBxOp(const ZorQelString& name, const ZorWBNodeList& arguments) const {
-    auto range = _blackBoxCalls.equal_range(BlackBoxCallKey(name, arguments));
+    auto range =
+        _blackBoxCalls.equal_range(BlackBoxCallKey(name, arguments.GetSize(), arguments.GetData()));
     for (auto it = range.first; it != range.second; ++it) {
         ZorWBOpNode* call = it->second;
         if (call->GetBlackBox()->GetName() != name) continue;
@@ -183,12 +217,13 @@ void ZorWBModel::AdoptBlackBox(ZorWBBlackBox* blackBox) {
 ZorWBEqNode* ZorWBModel::Append(ZorWBEqNode* equation) {
     if (!equation) return nullptr;
     try {
-        _equationsById.emplace(equation->GetId(), std::unique_ptr<ZorWBEqNode>(equation));
+        _equationsById.push_back(equation);  // at its id, the count so far
     } catch (...) {
-        delete equation;
+        equation->~ZorWBEqNode();
         return nullptr;
     }
     ++_nextEquationId;
+    ++_nbOfEquations;
     equation->_prev = _lastEquation;
     if (_lastEquation)
         _lastEquation->_next = equation;
@@ -203,14 +238,19 @@ ZorWBEqNode* ZorWBModel::AddEquation(const ZorWBLocation& location, ZorWBNode* l
     bool relation = type >= ZorWBEqualZero && type <= ZorWBGreaterZero;
     bool objective = type == ZorWBMinimize || type == ZorWBMaximize;
     if (!left || !(relation ? right != nullptr : objective)) return nullptr;
-    return Append(new (std::nothrow)
-                      ZorWBEqNode(location, &_environment, left, type, right, _nextEquationId));
+    return Append(NewEquation(location, left, type, right));
 }
 
 ZorWBEqNode* ZorWBModel::AddEquation(ZorWBNode* term) {
     if (!term) return nullptr;
-    return Append(new (std::nothrow) ZorWBEqNode(ZorWBLocation(), &_environment, term,
-                                                 ZorWBEquationUnset, nullptr, _nextEquationId));
+    return Append(NewEquation(ZorWBLocation(), term, ZorWBEquationUnset, nullptr));
+}
+
+ZorWBEqNode* ZorWBModel::NewEquation(const ZorWBLocation& location, ZorWBNode* left,
+                                     ZorWBEquationType type, ZorWBNode* right) {
+    void* room = _arena.Allocate(sizeof(ZorWBEqNode));
+    if (!room) return nullptr;
+    return new (room) ZorWBEqNode(location, &_environment, left, type, right, _nextEquationId);
 }
 
 ZorWBVarNode* ZorWBModel::GetVariable(const ZorQelString& name) const {
@@ -249,8 +289,8 @@ ZorWBEqNode* ZorWBModel::GetPrevEquation(const ZorWBEqNode* equation) const {
 }
 
 ZorWBEqNode* ZorWBModel::GetEquationById(int id) const {
-    auto it = _equationsById.find(id);
-    return it == _equationsById.end() ? nullptr : it->second.get();
+    bool known = id >= 0 && static_cast<std::size_t>(id) < _equationsById.size();
+    return known ? _equationsById[static_cast<std::size_t>(id)] : nullptr;
 }
 
 int ZorWBModel::RemoveEquation(ZorWBEqNode*& equation) {
@@ -260,7 +300,9 @@ int ZorWBModel::RemoveEquation(ZorWBEqNode*& equation) {
     ZorWBEqNode* next = equation->_next;
     (prev ? prev->_next : _firstEquation) = next;
     (next ? next->_prev : _lastEquation) = prev;
-    _equationsById.erase(equation->GetId());
+    _equationsById[static_cast<std::size_t>(equation->GetId())] = nullptr;
+    --_nbOfEquations;
+    equation->~ZorWBEqNode();  // its room stays in the arena
     equation = nullptr;
     return ZorWBParserResult::Success;
 }

@@ -9,6 +9,8 @@
 
 #include "ZorWBxExport.h"
 #include "expressions/ZorWBBlackBox.h"
+#include "parser/ZorWBHash.h"
+#include "parser/ZorWBModelArena.h"
 #include "parser/ZorWBNode.h"
 #include "values/ZorWBEnvironment.h"
 
@@ -27,10 +29,12 @@ using ZorWBVariableTable = ZorQelArray<ZorWBVariable*>;
 // of its last use).
 //
 // The model owns every node it creates, for its whole life (the nodes of a
-// removed equation's terms included): destroying it frees them one by one,
-// with no walk over the trees. It owns a black box only when it is given
-// one through AdoptBlackBox; the parser hands each new black box either to
-// the caller's list or, when the caller gave none, to the model.
+// removed equation's terms included). They live in its arena
+// (ZorWBModelArena), with the child arrays of the operators: destroying the
+// model ends each node, with no walk over the trees, and frees the arena's
+// few blocks. It owns a black box only when it is given one through
+// AdoptBlackBox; the parser hands each new black box either to the caller's
+// list or, when the caller gave none, to the model.
 //
 // Lookups of variables, equations and black-box calls are hashed, so that
 // building a model is linear in its size.
@@ -59,6 +63,10 @@ class ZORWBX_API ZorWBModel {
                                 const ZorWBNodeList& children);
     ZorWBOpNode* CreateOperator(const ZorWBLocation& location, ZorWBExpressionType type,
                                 ZorWBComparisonType comparison, const ZorWBNodeList& children);
+    // The same over n children read from an array (null when n < 0, or when
+    // children is null while n > 0).
+    ZorWBOpNode* CreateOperator(const ZorWBLocation& location, ZorWBExpressionType type,
+                                ZorWBComparisonType comparison, int n, ZorWBNode* const* children);
     // A BlackBox operator node calling the black box over the arguments; the
     // black box is recorded among the model's declared black boxes (once).
     ZorWBOpNode* DeclareBlackBox(const ZorWBLocation& location, ZorWBBlackBox* blackBox,
@@ -94,14 +102,14 @@ class ZORWBX_API ZorWBModel {
     ZorWBEqNode* GetNextEquation(const ZorWBEqNode* equation) const;
     ZorWBEqNode* GetPrevEquation(const ZorWBEqNode* equation) const;
     ZorWBEqNode* GetEquationById(int id) const;
-    int GetNbOfEquations() const { return static_cast<int>(_equationsById.size()); }
+    int GetNbOfEquations() const { return _nbOfEquations; }
     // Unlinks and deletes an equation of this model and nulls the pointer:
     // 0, or 0x80004005 when the equation is not one of this model's.
     int RemoveEquation(ZorWBEqNode*& equation);
 
     // Appends the declared black boxes in order of declaration.
     void GetBlackBoxes(ZorQelListPZorWBBlackBox* list) const;
-    int GetNbOfNodes() const { return static_cast<int>(_nodes.size()); }
+    int GetNbOfNodes() const { return _nbOfNodes; }
 
     // ------------------------------------------------------------ conversion
     // Conversion into factory expressions. Every operation returns 0 on
@@ -200,17 +208,35 @@ class ZORWBX_API ZorWBModel {
         }
     };
 
-    template <class Node>
-    Node* Own(Node* node);
+    // A node made in the arena and listed for destruction; null when memory
+    // is short.
+    template <class Node, class... Arguments>
+    Node* Make(Arguments&&... arguments);
     ZorWBOpNode* MakeOperator(const ZorWBLocation& location, ZorWBExpressionType type,
-                              ZorWBComparisonType comparison, const ZorWBNodeList& children,
+                              ZorWBComparisonType comparison, int n, ZorWBNode* const* children,
                               ZorWBBlackBox* blackBox);
+    ZorWBEqNode* NewEquation(const ZorWBLocation& location, ZorWBNode* left, ZorWBEquationType type,
+                             ZorWBNode* right);
     ZorWBEqNode* Append(ZorWBEqNode* equation);
-    static std::size_t BlackBoxCallKey(const ZorQelString& name, const ZorWBNodeList& arguments);
+    static std::size_t BlackBoxCallKey(const ZorQelString& name, int n,
+                                       ZorWBNode* const* arguments);
 
     ZorWBEnvironment _environment;
-    std::vector<std::unique_ptr<ZorWBNode>> _nodes;
-    std::unordered_map<int, std::unique_ptr<ZorWBEqNode>> _equationsById;
+    ZorWBModelArena _arena;
+    // Every node but the equations, for their destruction: in chunks in the
+    // arena, the last one first, so that listing a node never moves others.
+    struct NodeChunk {
+        static constexpr int Capacity = 250;
+        NodeChunk* previous;
+        int size;
+        ZorWBNode* nodes[Capacity];
+    };
+    bool List(ZorWBNode* node);
+    NodeChunk* _lastChunk = nullptr;
+    int _nbOfNodes = 0;
+    // The equations by id (null once removed).
+    std::vector<ZorWBEqNode*> _equationsById;
+    int _nbOfEquations = 0;
     ZorWBEqNode* _firstEquation = nullptr;
     ZorWBEqNode* _lastEquation = nullptr;
     int _nextEquationId = 0;
@@ -222,7 +248,7 @@ class ZORWBX_API ZorWBModel {
         ZorWBVarNode* last;
         int count;
     };
-    std::unordered_map<std::string, NameChain> _variablesByName;
+    std::unordered_map<std::string, NameChain, ZorWBTextHash> _variablesByName;
     int _nbOfVariables = 0;
     // Variable nodes by place. The nodes a parse reads come at strictly
     // increasing places, so a lookup beyond the furthest node read so far

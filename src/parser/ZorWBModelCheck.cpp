@@ -38,9 +38,9 @@ void ZorWBModelCheck::Report(const ZorWBNode& node, const ZorWBLocation& locatio
     ++_reported;
 }
 
+// Recorded in the nodes of the equation being visited.
 ZorWBUnitKind ZorWBModelCheck::KindOf(const ZorWBNode* node) const {
-    auto it = _kinds.find(node);
-    return it == _kinds.end() ? ZorWBUnitKind::None : it->second;
+    return ZorWBModelHomogeneity::RecordedKind(node);
 }
 
 void ZorWBModelCheck::CheckUnitName(const ZorWBNode& node) {
@@ -90,16 +90,39 @@ int ZorWBModelCheck::VisitOperator(ZorWBOpNode& node) {
     return 0;
 }
 
+bool ZorWBModelCheck::IsPlain(const ZorWBNode* term) {
+    _plainStack.assign(1, term);
+    while (!_plainStack.empty()) {
+        const ZorWBNode* node = _plainStack.back();
+        _plainStack.pop_back();
+        if (!node || node->HasUnit()) return false;
+        if (node->GetNodeKind() == ZorWBVariableNode) {
+            const std::string& name =
+                static_cast<const ZorWBVarNode*>(node)->GetName().GetStdString();
+            if (name.empty() || name[0] == '\'' || name[0] == '"') return false;
+        }
+        if (!node->IsOperator()) continue;
+        const ZorWBOpNode& op = *static_cast<const ZorWBOpNode*>(node);
+        for (int i = 0; i < op.GetNbOfChildren(); ++i)
+            _plainStack.push_back(op.GetChild(i));
+    }
+    return true;
+}
+
+// Most equations carry no unit at all: the kinds of their nodes are then
+// None or Unsolved, neither a node nor the equation can be reported, and the
+// check is one plain walk (unless the kind walks are traced, which must
+// write their steps).
 int ZorWBModelCheck::VisitEquation(ZorWBEqNode& node) {
     ZorWBNode* left = node.GetLeftTerm();
     ZorWBNode* right = node.GetRightTerm();
+    if (left && IsPlain(left) && (!right || IsPlain(right)) && !ZorWBModelHomogeneity::IsTraced())
+        return 0;
     bool leftConstant = false, rightConstant = false;
-    _kinds.clear();
-    ZorWBUnitKind leftKind = left ? ZorWBModelHomogeneity::ComputeKind(left, leftConstant, &_kinds)
-                                  : ZorWBUnitKind::None;
+    ZorWBUnitKind leftKind =
+        left ? ZorWBModelHomogeneity::RecordKinds(left, leftConstant) : ZorWBUnitKind::None;
     ZorWBUnitKind rightKind =
-        right ? ZorWBModelHomogeneity::ComputeKind(right, rightConstant, &_kinds)
-              : ZorWBUnitKind::None;
+        right ? ZorWBModelHomogeneity::RecordKinds(right, rightConstant) : ZorWBUnitKind::None;
     VisitSubtree(left);
     VisitSubtree(right);
     CheckAmbiguousPi(left);
@@ -109,7 +132,6 @@ int ZorWBModelCheck::VisitEquation(ZorWBEqNode& node) {
     if (judgement == ZorWBParserResult::NotApplicable && !IsUnjudgeable(leftKind) &&
         !IsUnjudgeable(rightKind))
         Report(node, node.GetLocation(), InconsistentUnit);
-    _kinds.clear();
     return 0;
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "ZorWBxExport.h"
 #include "parser/ZorWBModelHomogeneity.h"
@@ -63,13 +64,16 @@ class ZORWBX_API ZorWBModelCheck : public ZorWBVisitor {
     void CheckUnitName(const ZorWBNode& node);
     void CheckAmbiguousPi(const ZorWBNode* node);
     ZorWBUnitKind KindOf(const ZorWBNode* node) const;
+    // Whether a term holds nothing the check could report: no unit, no
+    // missing operand, no name that is not a variable's.
+    bool IsPlain(const ZorWBNode* term);
 
     ZorWBModel* _model;
     ZorWBParserMessenger* _messenger;
-    ZorWBModelHomogeneity::NodeKinds _kinds;  // of the equation being visited
     std::unordered_map<std::string, ZorWBUnitKind> _variableKinds;
     std::set<std::pair<const ZorWBNode*, const char*>> _told;
     int _reported = 0;
+    std::vector<const ZorWBNode*> _plainStack;  // of IsPlain, kept for the next term
 };
 
 #endif

@@ -5,6 +5,7 @@
 #include <exception>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "expressions/ZorWBEquation.h"
@@ -85,24 +86,25 @@ class ZorWBModelConversion {
         _model._failedNode = nullptr;
     }
 
-    // The equation whose terms are converted next: its terms' kinds decide
-    // the ambiguous marks that nothing inside a term decides.
-    void BeginEquation(const ZorWBEqNode* equation) {
-        _kinds.clear();
-        _leftKind = KindOfTerm(equation->GetLeftTerm());
-        _rightKind = KindOfTerm(equation->GetRightTerm());
-    }
-
     // The root that the equation gets: the difference of its two terms
-    // (CreateSub), whatever the right one is, or its one term.
+    // (CreateSub), whatever the right one is, or its one term. The kind of
+    // each term decides the ambiguous marks that nothing inside the other
+    // term decides.
     ZorWBExpression* ConvertEquation(const ZorWBEqNode* equation) {
-        ZorWBExpression* left = nullptr;
-        if (ConvertTerm(equation->GetLeftTerm(), _rightKind, left) != ZorWBParserResult::Success)
-            return nullptr;
+        const ZorWBNode* leftTerm = equation->GetLeftTerm();
         const ZorWBNode* rightTerm = equation->GetRightTerm();
+        if (ZorWBModelHomogeneity::IsTraced()) {
+            // The trace shows the kind walk of every equation, whatever needs it.
+            KindOfTerm(leftTerm);
+            KindOfTerm(rightTerm);
+        }
+        ZorWBExpression* left = nullptr;
+        _above = {rightTerm, nullptr};
+        if (ConvertTerm(leftTerm, left) != ZorWBParserResult::Success) return nullptr;
         if (!rightTerm) return left;
         ZorWBExpression* right = nullptr;
-        if (ConvertTerm(rightTerm, _leftKind, right) != ZorWBParserResult::Success) return nullptr;
+        _above = {leftTerm, nullptr};
+        if (ConvertTerm(rightTerm, right) != ZorWBParserResult::Success) return nullptr;
         ZorWBExpression* root = _factory.CreateSub(left, right);
         if (!root) Fail(equation);
         return root;
@@ -113,7 +115,8 @@ class ZorWBModelConversion {
         result = nullptr;
         if (root && root->GetNodeKind() == ZorWBEquationNode)
             return ZorWBParserResult::NotApplicable;
-        return ConvertTerm(root, root ? ContextAboveSubtree(root) : ZorWBUnitKind::None, result);
+        _above = {nullptr, root};
+        return ConvertTerm(root, result);
     }
 
     int ConvertVariable(const ZorWBVarNode* node, ZorWBVariable*& result) {
@@ -140,11 +143,12 @@ class ZorWBModelConversion {
     // frames above the node being made are its ancestors in this use, also
     // when the node is shared (a repeated black-box call), so that its
     // ambiguous marks read the context of each use. A mark that nothing in
-    // the tree decides takes the kind rootContext, or is an angle.
-    int ConvertTerm(const ZorWBNode* root, ZorWBUnitKind rootContext, ZorWBExpression*& result) {
+    // the tree decides takes the kind of what is above it (_above), or is an
+    // angle.
+    int ConvertTerm(const ZorWBNode* root, ZorWBExpression*& result) {
         result = nullptr;
         if (!root || root->GetNodeKind() == ZorWBEquationNode) return Fail(root);
-        _rootContext = IsDefinite(rootContext) ? rootContext : ZorWBUnitKind::Angle;
+        _rootContextKnown = false;
         _path.assign(1, Frame{root, 0, false, ZorWBUnitKind::None});
         std::vector<ZorWBExpression*> made;
         while (!_path.empty()) {
@@ -306,16 +310,38 @@ class ZorWBModelConversion {
     }
 
     // -------------------------------------------------- ambiguous marks
+    //
+    // Only ambiguous marks read unit kinds: the kinds of a term are recorded
+    // in its nodes (ZorWBModelHomogeneity::RecordKinds) when a mark first
+    // needs them, so that a model without such marks is converted without
+    // any walk over its units.
 
+    // The kind of a term, whose kinds are recorded for this conversion.
     ZorWBUnitKind KindOfTerm(const ZorWBNode* term) {
         if (!term) return ZorWBUnitKind::None;
-        bool constant = false;
-        return ZorWBModelHomogeneity::ComputeKind(term, constant, &_kinds);
+        if (!_recordedTerms.count(term)) {
+            bool constant = false;
+            ZorWBModelHomogeneity::RecordKinds(term, constant);
+            _recordedTerms.insert(term);
+        }
+        return ZorWBModelHomogeneity::RecordedKind(term);
     }
 
-    ZorWBUnitKind KindOf(const ZorWBNode* node) const {
-        auto known = _kinds.find(node);
-        return known == _kinds.end() ? ZorWBUnitKind::None : known->second;
+    static ZorWBUnitKind KindOf(const ZorWBNode* node) {
+        return ZorWBModelHomogeneity::RecordedKind(node);
+    }
+
+    // The kind that a mark takes when nothing in the term being converted
+    // decides: that of the other term of the equation, or the context above
+    // a subtree converted on its own, when definite; else an angle.
+    ZorWBUnitKind RootContext() {
+        if (!_rootContextKnown) {
+            ZorWBUnitKind kind =
+                _above.subtree ? ContextAboveSubtree(_above.subtree) : KindOfTerm(_above.otherTerm);
+            _rootContext = IsDefinite(kind) ? kind : ZorWBUnitKind::Angle;
+            _rootContextKnown = true;
+        }
+        return _rootContext;
     }
 
     // The kind that an ambiguous mark on node, the node being made, takes:
@@ -324,7 +350,7 @@ class ZorWBModelConversion {
     // found for an ancestor is kept in its frame, so that the marks of a
     // long chain are decided in linear time.
     ZorWBUnitKind MarkContext(const ZorWBNode* node) {
-        if (_path.empty()) return _rootContext;
+        if (_path.empty()) return RootContext();
         ZorWBUnitKind beside = KindBeside(*_path.back().node, node);
         return IsDefinite(beside) ? beside : ContextOfAncestor(_path.size() - 1);
     }
@@ -334,20 +360,24 @@ class ZorWBModelConversion {
     // root's context.
     ZorWBUnitKind ContextOfAncestor(std::size_t level) {
         std::size_t top = level;
-        ZorWBUnitKind decided = _rootContext;
+        ZorWBUnitKind decided = ZorWBUnitKind::None;
+        bool found = false;
         for (;; --top) {
             const Frame& frame = _path[top];
             if (frame.contextKnown) {
                 decided = frame.context;
+                found = true;
                 break;
             }
             if (top == 0) break;
             ZorWBUnitKind beside = KindBeside(*_path[top - 1].node, frame.node);
             if (IsDefinite(beside)) {
                 decided = beside;
+                found = true;
                 break;
             }
         }
+        if (!found) decided = RootContext();
         for (std::size_t i = top; i <= level; ++i) {
             _path[i].contextKnown = true;
             _path[i].context = decided;
@@ -383,10 +413,8 @@ class ZorWBModelConversion {
         return ZorWBUnitKind::None;
     }
 
-    // Computes the kinds of the term holding node when a subtree is
-    // converted on its own, outside FillFactory.
+    // Records the kinds of the term that holds node.
     void EnsureKinds(const ZorWBNode& node) {
-        if (_kinds.count(&node)) return;
         const ZorWBNode* top = &node;
         while (top->GetParentNode())
             top = top->GetParentNode();
@@ -401,12 +429,19 @@ class ZorWBModelConversion {
     std::unordered_map<std::string, ZorWBVariable*> _variablesByName;
     bool _namesIndexed = false;
 
-    ZorWBModelHomogeneity::NodeKinds _kinds;
-    ZorWBUnitKind _leftKind = ZorWBUnitKind::None;
-    ZorWBUnitKind _rightKind = ZorWBUnitKind::None;
+    // The terms whose kinds are recorded for this conversion.
+    std::unordered_set<const ZorWBNode*> _recordedTerms;
+    // What is above the term being converted: the other term of its
+    // equation, or, for a subtree converted on its own, the subtree.
+    struct Above {
+        const ZorWBNode* otherTerm;
+        const ZorWBNode* subtree;
+    };
+    Above _above = {nullptr, nullptr};
+    bool _rootContextKnown = false;
+    ZorWBUnitKind _rootContext = ZorWBUnitKind::Angle;
     // The ancestors of the node being made, and the context above them.
     std::vector<Frame> _path;
-    ZorWBUnitKind _rootContext = ZorWBUnitKind::Angle;
 };
 
 namespace {
@@ -418,7 +453,6 @@ template <class Take>
 int ConvertEquations(const ZorWBModel& model, ZorWBModelConversion& conversion, Take&& take) try {
     for (const ZorWBEqNode* equation = model.GetFirstEquation(); equation;
          equation = equation->GetNext()) {
-        conversion.BeginEquation(equation);
         ZorWBExpression* root = conversion.ConvertEquation(equation);
         if (!root) return ZorWBParserResult::Failure;
         if (!take(equation, root)) return conversion.Fail(equation);

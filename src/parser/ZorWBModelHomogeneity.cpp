@@ -152,12 +152,19 @@ struct Frame {
     bool allConstant = true;
 };
 
-class KindWalk {
+}  // namespace
+
+// The walk behind ComputeKind and RecordKinds: post-order, with an explicit
+// stack of frames.
+class ZorWBModelHomogeneity::KindWalk {
   public:
-    KindWalk(ZorQelStream* trace, ZorWBModelHomogeneity::NodeKinds* kinds)
-        : _trace(trace), _kinds(kinds) {}
+    // The stack of frames is the thread's, kept from one walk to the next:
+    // a check walks every term. No walk starts inside another.
+    KindWalk(ZorQelStream* trace, NodeKinds* kinds, bool record)
+        : _trace(trace), _kinds(kinds), _record(record), _frames(SpareFrames()) {}
 
     Kind Run(const ZorWBNode* root, bool& isConstant) {
+        _frames.clear();
         _frames.push_back({root, true});
         while (!_frames.empty())
             Advance(_frames.back());
@@ -171,11 +178,11 @@ class KindWalk {
     }
 
     // Works on the top frame: starts it, descends into its next child, or
-    // finishes it.
+    // finishes it. A leaf child is finished at once, without a frame.
     void Advance(Frame& frame) {
         const ZorWBNode* node = frame.node;
         if (!node || !node->IsOperator()) {
-            Finish(frame, Leaf(node), node && node->IsConstant());
+            Finish(frame, Leaf(node), IsConstantLeaf(node));
             return;
         }
         const ZorWBOpNode& op = *static_cast<const ZorWBOpNode*>(node);
@@ -194,6 +201,10 @@ class KindWalk {
             const ZorWBNode* child = op.GetChild(i);
             if (!child) {
                 frame.allConstant = false;
+                return;
+            }
+            if (!child->IsOperator()) {
+                Deliver(frame, i, child, tracedChild, Leaf(child), IsConstantLeaf(child));
                 return;
             }
             _frames.push_back({child, tracedChild});  // may move frame: no use after this
@@ -220,13 +231,34 @@ class KindWalk {
         return node ? node->GetUnitKindCode() : Kind::Inhomogeneous;
     }
 
+    // Whether a leaf is constant (node IsConstant): only a number is.
+    static bool IsConstantLeaf(const ZorWBNode* node) {
+        return node && node->GetNodeKind() == ZorWBConstantNode;
+    }
+
+    // Records a node's kind, and traces it.
+    void Record(const ZorWBNode* node, bool traced, Kind kind) {
+        if (traced && _trace)
+            TraceLine(_trace, ZorQelString(" FillHomogeneity  :") + ZorWBModelPrinter::Print(node) +
+                                  " => " + ZorWBUnitKindName(kind));
+        if (_kinds && node) (*_kinds)[node] = kind;
+        if (_record && node) node->_subtreeKind = kind;
+    }
+
+    // A leaf child i of the parent's frame, done without a frame of its own.
+    void Deliver(Frame& parent, int i, const ZorWBNode* leaf, bool traced, Kind kind,
+                 bool constant) {
+        Record(leaf, traced, kind);
+        if (i < 2) {
+            parent.childKinds[i] = kind;
+            parent.childConstant[i] = constant;
+        }
+        parent.allConstant = parent.allConstant && constant;
+    }
+
     // Records a node's kind, hands it to the parent frame and pops.
     void Finish(const Frame& frame, Kind kind, bool constant) {
-        if (frame.traced && _trace)
-            TraceLine(_trace, ZorQelString(" FillHomogeneity  :") +
-                                  ZorWBModelPrinter::Print(frame.node) + " => " +
-                                  ZorWBUnitKindName(kind));
-        if (_kinds && frame.node) (*_kinds)[frame.node] = kind;
+        Record(frame.node, frame.traced, kind);
         _frames.pop_back();
         if (_frames.empty()) {
             _resultKind = kind;
@@ -242,18 +274,30 @@ class KindWalk {
         parent.allConstant = parent.allConstant && constant;
     }
 
+    static std::vector<Frame>& SpareFrames() {
+        thread_local std::vector<Frame> frames;
+        return frames;
+    }
+
     ZorQelStream* _trace;
-    ZorWBModelHomogeneity::NodeKinds* _kinds;
-    std::vector<Frame> _frames;
+    NodeKinds* _kinds;
+    bool _record;
+    std::vector<Frame>& _frames;
     Kind _resultKind = Kind::Inhomogeneous;
     bool _resultConstant = false;
 };
 
-}  // namespace
-
 ZorWBUnitKind ZorWBModelHomogeneity::ComputeKind(const ZorWBNode* node, bool& isConstant,
                                                  NodeKinds* kinds) {
-    return KindWalk(TraceStream(), kinds).Run(node, isConstant);
+    return KindWalk(TraceStream(), kinds, false).Run(node, isConstant);
+}
+
+bool ZorWBModelHomogeneity::IsTraced() {
+    return TraceStream() != nullptr;
+}
+
+ZorWBUnitKind ZorWBModelHomogeneity::RecordKinds(const ZorWBNode* node, bool& isConstant) {
+    return KindWalk(TraceStream(), nullptr, true).Run(node, isConstant);
 }
 
 ZorQelString ZorWBModelHomogeneity::FillHomogeneity(ZorWBNode* node) {

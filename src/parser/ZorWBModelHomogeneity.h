@@ -4,12 +4,12 @@
 #include <unordered_map>
 
 #include "ZorWBxExport.h"
+#include "parser/ZorWBNode.h"
 #include "parser/ZorWBUnit.h"
 #include "qel/ZorQelString.h"
 
 class ZorWBEqNode;
 class ZorWBModel;
-class ZorWBNode;
 
 // The unit kinds of parsed subtrees and the judgement of equations.
 //
@@ -46,9 +46,21 @@ class ZORWBX_API ZorWBModelHomogeneity {
     // those below operators that the rules do not look into included.
     static ZorWBUnitKind ComputeKind(const ZorWBNode* node, bool& isConstant,
                                      NodeKinds* kinds = nullptr);
+    // The same, recording the kind of every node of the subtree in the node
+    // itself, where RecordedKind reads it until the next recording walk
+    // over it: the check and the conversion read kinds without a table.
+    static ZorWBUnitKind RecordKinds(const ZorWBNode* node, bool& isConstant);
+    // Whether the walks write their steps to the trace (see above).
+    static bool IsTraced();
+    static ZorWBUnitKind RecordedKind(const ZorWBNode* node) {
+        return node ? node->_subtreeKind : ZorWBUnitKind::None;
+    }
     // The equation judgement from the kinds and constness of its terms.
     static int JudgeEquation(bool hasLeft, ZorWBUnitKind left, bool leftConstant, bool hasRight,
                              ZorWBUnitKind right, bool rightConstant);
+
+  private:
+    class KindWalk;
 };
 
 #endif

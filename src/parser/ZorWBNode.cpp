@@ -34,9 +34,9 @@ std::size_t HashValue(const ZorWBValue& value) {
     }
 }
 
-std::size_t HashChildren(std::size_t seed, const ZorWBNodeList& children) {
-    for (ZorWBNode* child : children)
-        seed = ZorWBCombineHash(seed, child ? child->GetShapeHash() : 0);
+std::size_t HashChildren(std::size_t seed, int n, ZorWBNode* const* children) {
+    for (int i = 0; i < n; ++i)
+        seed = ZorWBCombineHash(seed, children[i] ? children[i]->GetShapeHash() : 0);
     return seed;
 }
 
@@ -166,8 +166,7 @@ bool ZorWBConstNode::HasSameData(const ZorWBNode& other) const {
 ZorWBVarNode::ZorWBVarNode(const ZorWBLocation& location, const ZorWBEnvironment* environment,
                            const ZorQelString& name)
     : ZorWBNode(ZorWBVariableNode, location, environment), _name(name) {
-    SetShapeHash(
-        ZorWBCombineHash(ZorWBVariableNode, std::hash<std::string>()(_name.GetStdString())));
+    SetShapeHash(ZorWBCombineHash(ZorWBVariableNode, ZorWBHashText(_name.GetStdString())));
 }
 
 int ZorWBVarNode::Accept(ZorWBVisitor& visitor) {
@@ -181,24 +180,19 @@ bool ZorWBVarNode::HasSameData(const ZorWBNode& other) const {
 // -------------------------------------------------------------- ZorWBOpNode
 
 ZorWBOpNode::ZorWBOpNode(const ZorWBLocation& location, const ZorWBEnvironment* environment,
-                         ZorWBExpressionType type, ZorWBComparisonType comparison,
-                         const ZorWBNodeList& children, ZorWBBlackBox* blackBox)
+                         ZorWBExpressionType type, ZorWBComparisonType comparison, int nbOfChildren,
+                         ZorWBNode** children, ZorWBBlackBox* blackBox)
     : ZorWBNode(ZorWBOperatorNode, location, environment),
       _type(type),
       _comparison(comparison),
-      _children(children.begin(), children.end()),
+      _nbOfChildren(nbOfChildren),
+      _children(children),
       _blackBox(blackBox) {
     std::size_t hash =
         ZorWBCombineHash(ZorWBOperatorNode, std::hash<int>()(static_cast<int>(type)));
     hash = ZorWBCombineHash(hash, std::hash<int>()(comparison));
-    if (blackBox)
-        hash = ZorWBCombineHash(hash, std::hash<std::string>()(blackBox->GetName().GetStdString()));
-    SetShapeHash(HashChildren(hash, children));
-}
-
-ZorWBNode* ZorWBOpNode::GetChild(int i) const {
-    if (i < 0 || i >= GetNbOfChildren()) return nullptr;
-    return _children[static_cast<std::size_t>(i)];
+    if (blackBox) hash = ZorWBCombineHash(hash, ZorWBHashText(blackBox->GetName().GetStdString()));
+    SetShapeHash(HashChildren(hash, nbOfChildren, children));
 }
 
 int ZorWBOpNode::Accept(ZorWBVisitor& visitor) {

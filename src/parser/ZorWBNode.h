@@ -41,8 +41,9 @@ enum ZorWBComparisonType : int {
 
 // A node of the parsed model: where it was read, the model environment it
 // was made with, its parent and its index there, and the unit written after
-// it. Nodes are made and owned by a ZorWBModel; they never own each other,
-// so a node's destructor does no walk at all.
+// it. Nodes are made and owned by a ZorWBModel, in its arena
+// (ZorWBModelArena); they never own each other, so a node's destructor does
+// no walk at all.
 //
 // Every walk over a subtree (equality, constness, variable names) uses an
 // explicit stack: a chain such as a+b+c+... builds a tree as deep as the
@@ -106,6 +107,7 @@ class ZORWBX_API ZorWBNode {
     void SetShapeHash(std::size_t hash) { _shapeHash = hash; }
 
   private:
+    friend class ZorWBModelHomogeneity;
     struct UnitData {
         ZorQelString name;
         ZorWBLocation location;
@@ -114,6 +116,9 @@ class ZORWBX_API ZorWBNode {
 
     ZorWBNodeKind _kind;
     int _indexAsChild = -1;
+    // The unit kind of the subtree, as the last walk that recorded kinds
+    // found it (see ZorWBModelHomogeneity::RecordKinds).
+    mutable ZorWBUnitKind _subtreeKind = ZorWBUnitKind::None;
     ZorWBLocation _location;
     const ZorWBEnvironment* _environment;
     ZorWBNode* _parent = nullptr;
@@ -167,15 +172,17 @@ class ZORWBX_API ZorWBVarNode : public ZorWBNode {
 // An operator, a function, a comparison or a black-box call, over its
 // children in order. A child may be missing (null) in models built by hand;
 // the parser never makes one.
-class ZORWBX_API ZorWBOpNode : public ZorWBNode {
+class ZORWBX_API ZorWBOpNode final : public ZorWBNode {
   public:
     ZorWBExpressionType GetType() const { return _type; }
     ZorWBComparisonType GetComparisonType() const { return _comparison; }
     // The black box a BlackBox node calls (not owned); null otherwise.
     ZorWBBlackBox* GetBlackBox() const { return _blackBox; }
 
-    int GetNbOfChildren() const override { return static_cast<int>(_children.size()); }
-    ZorWBNode* GetChild(int i) const override;
+    int GetNbOfChildren() const override { return _nbOfChildren; }
+    ZorWBNode* GetChild(int i) const override {
+        return i >= 0 && i < _nbOfChildren ? _children[i] : nullptr;
+    }
     int Accept(ZorWBVisitor& visitor) override;
 
   protected:
@@ -183,13 +190,15 @@ class ZORWBX_API ZorWBOpNode : public ZorWBNode {
 
   private:
     friend class ZorWBModel;
+    // The children are an array that the model keeps (in its arena).
     ZorWBOpNode(const ZorWBLocation& location, const ZorWBEnvironment* environment,
-                ZorWBExpressionType type, ZorWBComparisonType comparison,
-                const ZorWBNodeList& children, ZorWBBlackBox* blackBox);
+                ZorWBExpressionType type, ZorWBComparisonType comparison, int nbOfChildren,
+                ZorWBNode** children, ZorWBBlackBox* blackBox);
 
     ZorWBExpressionType _type;
     ZorWBComparisonType _comparison;
-    std::vector<ZorWBNode*> _children;
+    int _nbOfChildren;
+    ZorWBNode** _children;
     ZorWBBlackBox* _blackBox;
 };
 

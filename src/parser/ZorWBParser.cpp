@@ -39,7 +39,7 @@ int ParseInput(const Input& input, ZorWBModel& model, ZorQelIntArray& equationId
         messenger.ReportError(nullptr, TextTooLong);
         return messenger.GetErrorNumber();
     }
-    ZorWBScannerInput counter{ZorWBParser::MaxTextLength};
+    ZorWBScannerInput counter(ZorWBParser::MaxTextLength);
     yyscan_t scanner = nullptr;
     if (zorwb_yylex_init_extra(&counter, &scanner) != 0) {
         messenger.ReportError(nullptr, MemoryExhausted);

@@ -35,15 +35,16 @@ int ZorWBVisitor::VisitModel(ZorWBModel& model) {
 
 int ZorWBVisitor::VisitSubtree(ZorWBNode* root) {
     int status = 0;
-    std::vector<ZorWBNode*> pending{root};
-    while (!pending.empty()) {
-        ZorWBNode* node = pending.back();
-        pending.pop_back();
+    std::size_t base = _pending.size();
+    _pending.push_back(root);
+    while (_pending.size() > base) {
+        ZorWBNode* node = _pending.back();
+        _pending.pop_back();
         if (!node) continue;
         int result = node->Accept(*this);
         if (status == 0) status = result;
         for (int i = node->GetNbOfChildren() - 1; i >= 0; --i)
-            pending.push_back(node->GetChild(i));
+            _pending.push_back(node->GetChild(i));
     }
     return status;
 }

@@ -1,6 +1,8 @@
 #ifndef ZORWB_VISITOR_H
 #define ZORWB_VISITOR_H
 
+#include <vector>
+
 #include "ZorWBxExport.h"
 
 class ZorWBConstNode;
@@ -29,6 +31,11 @@ class ZORWBX_API ZorWBVisitor {
     // long). Missing children are skipped. Returns 0, or the first non-zero
     // status of a visit; the walk goes on after it.
     int VisitSubtree(ZorWBNode* root);
+
+  private:
+    // The stack of VisitSubtree, kept from one walk to the next (a visit may
+    // start a walk of its own above the entries of the walk running).
+    std::vector<ZorWBNode*> _pending;
 };
 
 #endif

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <new>
 #include <vector>
 
 #include "values/ZorWBEnvironment.h"
@@ -86,40 +87,103 @@ ZorWBValue::ZorWBValue(ZorWBValueType type) : _type(type) {
         case ZorWBFractionType:
             _type = ZorWBIntegerType;
             break;
+        case ZorWBIntegerEnumType:
+        case ZorWBRealEnumType:
+            _payload.enums = nullptr;  // "any"
+            break;
         default:
-            break;  // every other kind starts from the zero payload or "any"
+            break;  // every other kind starts from the zero payload
     }
 }
 
+namespace {
+
+// What the enumeration getters give for a value without an enumeration of
+// their kind: "any", with no element.
+const ZorWBIntegerEnum AnyIntegers;
+const ZorWBRealEnum AnyReals;
+
+template <class Enum>
+Enum& Scratch() {
+    thread_local Enum scratch;
+    scratch.SetAny();
+    return scratch;
+}
+
+}  // namespace
+
 ZorWBValue& ZorWBValue::AssignWithEnums(const ZorWBValue& other) {
     if (this == &other) return *this;
-    if (IsEnumKind(_type)) ResetEnums();
+    // An enumeration held of the same kind takes the copy in place.
+    if (_type == other._type && _payload.enums && other._payload.enums) {
+        if (_type == ZorWBIntegerEnumType)
+            *static_cast<ZorWBIntegerEnum*>(_payload.enums) = other.GetIntegerEnum();
+        else
+            *static_cast<ZorWBRealEnum*>(_payload.enums) = other.GetRealEnum();
+        _environment = other._environment;
+        return *this;
+    }
+    if (IsEnumKind(_type)) ReleaseEnums();
     CopyScalar(other);
-    CopyEnums(other);
+    if (IsEnumKind(other._type)) CopyEnums(other);
     return *this;
 }
 
 ZorWBValue& ZorWBValue::MoveAssignWithEnums(ZorWBValue& other) noexcept {
     if (this == &other) return *this;
-    if (IsEnumKind(_type)) ResetEnums();
+    if (IsEnumKind(_type)) ReleaseEnums();
     CopyScalar(other);
-    MoveEnums(other);
+    if (IsEnumKind(other._type)) other._payload.enums = nullptr;
     return *this;
 }
 
-void ZorWBValue::MoveEnums(ZorWBValue& other) noexcept {
-    if (other._type == ZorWBIntegerEnumType) _integerEnum = std::move(other._integerEnum);
-    if (other._type == ZorWBRealEnumType) _realEnum = std::move(other._realEnum);
-}
-
-void ZorWBValue::ResetEnums() {
-    _integerEnum.SetAny();
-    _realEnum.SetAny();
+void ZorWBValue::ReleaseEnums() noexcept {
+    if (_type == ZorWBIntegerEnumType)
+        delete static_cast<ZorWBIntegerEnum*>(_payload.enums);
+    else
+        delete static_cast<ZorWBRealEnum*>(_payload.enums);
+    _payload.enums = nullptr;
 }
 
 void ZorWBValue::CopyEnums(const ZorWBValue& other) {
-    if (other._type == ZorWBIntegerEnumType) _integerEnum = other._integerEnum;
-    if (other._type == ZorWBRealEnumType) _realEnum = other._realEnum;
+    _payload.enums = nullptr;
+    if (!other._payload.enums) return;
+    if (other._type == ZorWBIntegerEnumType)
+        _payload.enums = new (std::nothrow) ZorWBIntegerEnum(other.GetIntegerEnum());
+    else
+        _payload.enums = new (std::nothrow) ZorWBRealEnum(other.GetRealEnum());
+}
+
+ZorWBIntegerEnum* ZorWBValue::IntegerEnumBlock() {
+    if (!_payload.enums) _payload.enums = new (std::nothrow) ZorWBIntegerEnum();
+    return static_cast<ZorWBIntegerEnum*>(_payload.enums);
+}
+
+ZorWBRealEnum* ZorWBValue::RealEnumBlock() {
+    if (!_payload.enums) _payload.enums = new (std::nothrow) ZorWBRealEnum();
+    return static_cast<ZorWBRealEnum*>(_payload.enums);
+}
+
+const ZorWBIntegerEnum& ZorWBValue::GetIntegerEnum() const {
+    if (_type == ZorWBIntegerEnumType && _payload.enums)
+        return *static_cast<const ZorWBIntegerEnum*>(_payload.enums);
+    return AnyIntegers;
+}
+
+const ZorWBRealEnum& ZorWBValue::GetRealEnum() const {
+    if (_type == ZorWBRealEnumType && _payload.enums)
+        return *static_cast<const ZorWBRealEnum*>(_payload.enums);
+    return AnyReals;
+}
+
+ZorWBIntegerEnum& ZorWBValue::GetIntegerEnum() {
+    ZorWBIntegerEnum* block = _type == ZorWBIntegerEnumType ? IntegerEnumBlock() : nullptr;
+    return block ? *block : Scratch<ZorWBIntegerEnum>();
+}
+
+ZorWBRealEnum& ZorWBValue::GetRealEnum() {
+    ZorWBRealEnum* block = _type == ZorWBRealEnumType ? RealEnumBlock() : nullptr;
+    return block ? *block : Scratch<ZorWBRealEnum>();
 }
 
 void ZorWBValue::Load(const ZorWBFraction& fraction) {
@@ -129,16 +193,25 @@ void ZorWBValue::Load(const ZorWBFraction& fraction) {
     _payload.ints[2] = fraction.power;
 }
 
+template <class Enum>
+void ZorWBValue::SetEnum(ZorWBValueType type, const Enum& value) {
+    if (_type == type && _payload.enums) {
+        // value may be this value's own enumeration: assigned in place.
+        *static_cast<Enum*>(_payload.enums) = value;
+        return;
+    }
+    Enum* block = new (std::nothrow) Enum(value);
+    if (IsEnumKind(_type)) ReleaseEnums();
+    _type = type;
+    _payload.enums = block;
+}
+
 void ZorWBValue::Set(const ZorWBIntegerEnum& value) {
-    if (_type == ZorWBRealEnumType) _realEnum.SetAny();
-    _type = ZorWBIntegerEnumType;
-    _integerEnum = value;
+    SetEnum(ZorWBIntegerEnumType, value);
 }
 
 void ZorWBValue::Set(const ZorWBRealEnum& value) {
-    if (_type == ZorWBIntegerEnumType) _integerEnum.SetAny();
-    _type = ZorWBRealEnumType;
-    _realEnum = value;
+    SetEnum(ZorWBRealEnumType, value);
 }
 
 namespace {
@@ -218,10 +291,8 @@ void ZorWBValue::SetIndefinite() {
             Set(ZorWBReal_Any);
             break;
         case ZorWBIntegerEnumType:
-            _integerEnum.SetAny();
-            break;
         case ZorWBRealEnumType:
-            _realEnum.SetAny();
+            ReleaseEnums();  // no enumeration reads as "any"
             break;
         case ZorWBBooleanType:
             Set(ZorWBUnknown);
@@ -313,7 +384,7 @@ ZorWBIntegerInterval ZorWBValue::ConvertToIntegerInterval() const {
         case ZorWBIntegerIntervalType:
             return {_payload.ints[0], _payload.ints[1]};
         case ZorWBIntegerEnumType:
-            return _integerEnum.GetAsIntegerInterval();
+            return GetIntegerEnum().GetAsIntegerInterval();
         case ZorWBBooleanType:
             return BooleanToIntegerInterval(_payload.ints[0]);
         case ZorWBUndefinedType:
@@ -342,7 +413,7 @@ ZorWBRealInterval ZorWBValue::ConvertToRealInterval() const {
         case ZorWBRealIntervalType:
             return {_payload.reals[0], _payload.reals[1]};
         case ZorWBRealEnumType:
-            return _realEnum.GetAsRealInterval();
+            return GetRealEnum().GetAsRealInterval();
         case ZorWBIntegerIntervalType:
         case ZorWBIntegerEnumType:
             return ToRealInterval(GetAsIntegerInterval());
@@ -354,7 +425,7 @@ ZorWBRealInterval ZorWBValue::ConvertToRealInterval() const {
 void ZorWBValue::GetAsIntegerEnum(ZorWBIntegerEnum& out) const {
     switch (_type) {
         case ZorWBIntegerEnumType:
-            out = _integerEnum;
+            out = GetIntegerEnum();
             return;
         case ZorWBIntegerType:
             out.Reset(ZorWBEnumList);
@@ -364,10 +435,11 @@ void ZorWBValue::GetAsIntegerEnum(ZorWBIntegerEnum& out) const {
             out.SetAny();
             return;
         case ZorWBRealEnumType:
-            if (_realEnum.GetRep() == ZorWBEnumList) {
+            if (GetRealEnum().GetRep() == ZorWBEnumList) {
+                const ZorWBRealEnum& reals = GetRealEnum();
                 out.Reset(ZorWBEnumList);
-                for (int i = 0; i < _realEnum.GetSize(); ++i) {
-                    double element = SnapToInteger(_realEnum.Get(i));
+                for (int i = 0; i < reals.GetSize(); ++i) {
+                    double element = SnapToInteger(reals.Get(i));
                     if (element == std::floor(element) && std::fabs(element) < ZorWBIntegerMax)
                         out.Insert(static_cast<int>(element));
                 }
@@ -387,7 +459,7 @@ void ZorWBValue::GetAsIntegerEnum(ZorWBIntegerEnum& out) const {
 void ZorWBValue::GetAsRealEnum(ZorWBRealEnum& out) const {
     switch (_type) {
         case ZorWBRealEnumType:
-            out = _realEnum;
+            out = GetRealEnum();
             return;
         case ZorWBRealType:
         case ZorWBIntegerType:
@@ -399,8 +471,8 @@ void ZorWBValue::GetAsRealEnum(ZorWBRealEnum& out) const {
             out.SetAny();
             return;
         case ZorWBIntegerEnumType:
-            if (_integerEnum.GetRep() != ZorWBEnumInterval) {
-                out = _integerEnum;
+            if (GetIntegerEnum().GetRep() != ZorWBEnumInterval) {
+                out = GetIntegerEnum();
                 return;
             }
             break;
@@ -444,8 +516,10 @@ void ZorWBValue::Assign(const ZorWBEnvironment& environment, const ZorWBValue& o
             Set(other.GetAsRealInterval());
             break;
         case ZorWBIntegerEnumType:
-            other.GetAsIntegerEnum(_integerEnum);
-            _integerEnum.Correct(environment);
+            if (ZorWBIntegerEnum* integers = IntegerEnumBlock()) {
+                other.GetAsIntegerEnum(*integers);
+                integers->Correct(environment);
+            }
             break;
         case ZorWBRealEnumType:
             if (other.IsAKindOf(ZorWBIntegerType) || other.IsAKindOf(ZorWBIntegerIntervalType) ||
@@ -453,10 +527,10 @@ void ZorWBValue::Assign(const ZorWBEnvironment& environment, const ZorWBValue& o
                 ZorWBIntegerEnum integers;
                 other.GetAsIntegerEnum(integers);
                 integers.Correct(environment);
-                _realEnum = integers;
-            } else {
-                other.GetAsRealEnum(_realEnum);
-                _realEnum.Correct(environment);
+                if (ZorWBRealEnum* reals = RealEnumBlock()) *reals = integers;
+            } else if (ZorWBRealEnum* reals = RealEnumBlock()) {
+                other.GetAsRealEnum(*reals);
+                reals->Correct(environment);
             }
             break;
         case ZorWBBooleanType:
@@ -476,7 +550,10 @@ void ZorWBValue::Assign(const ZorWBEnvironment& environment, const ZorWBValue& o
 }
 
 void ZorWBValue::AssignWithType(const ZorWBEnvironment& environment, const ZorWBValue& other) {
-    if (_type == ZorWBUndefinedType) _type = other._type;
+    if (_type == ZorWBUndefinedType) {
+        _type = other._type;
+        if (IsEnumKind(_type)) _payload.enums = nullptr;
+    }
     Assign(environment, other);
 }
 

@@ -36,8 +36,10 @@ enum ZorWBBoolean : int {
 // four-state boolean, or a fraction of a power of Pi.
 //
 // Scalar kinds live in a small inline payload: constructing, copying and
-// assigning them never allocates. The enumerations allocate only when they
-// hold elements, and are copied only for the enumeration kinds.
+// assigning them never allocates. An enumeration lives in a block of its own
+// that the payload points to (made when the value first holds elements or
+// is changed through its enumeration getter; without one it reads as "any"),
+// so that a value takes 32 bytes, which every expression node holds.
 //
 // Conversions never fail. Those that the kind table of IsConvertible does not
 // list give the default result, what the same getter gives for an undefined
@@ -69,7 +71,7 @@ class ZORWBX_API ZorWBValue {
     }
     ZorWBValue(ZorWBValue&& other) noexcept
         : _type(other._type), _payload(other._payload), _environment(other._environment) {
-        if (IsEnumKind(other._type)) MoveEnums(other);
+        if (IsEnumKind(other._type)) other._payload.enums = nullptr;
     }
     ZorWBValue& operator=(const ZorWBValue& other) {
         if (IsEnumKind(_type) || IsEnumKind(other._type)) return AssignWithEnums(other);
@@ -81,7 +83,9 @@ class ZORWBX_API ZorWBValue {
         CopyScalar(other);
         return *this;
     }
-    ~ZorWBValue() = default;
+    ~ZorWBValue() {
+        if (IsEnumKind(_type)) ReleaseEnums();
+    }
 
     // A heap copy owned by the caller.
     ZorWBValue* Clone() const { return new ZorWBValue(*this); }
@@ -165,10 +169,13 @@ class ZORWBX_API ZorWBValue {
     }
     void GetAsIntegerEnum(ZorWBIntegerEnum& out) const;
     void GetAsRealEnum(ZorWBRealEnum& out) const;
-    ZorWBIntegerEnum& GetIntegerEnum() { return _integerEnum; }
-    const ZorWBIntegerEnum& GetIntegerEnum() const { return _integerEnum; }
-    ZorWBRealEnum& GetRealEnum() { return _realEnum; }
-    const ZorWBRealEnum& GetRealEnum() const { return _realEnum; }
+    // The enumeration of a value of that kind ("any" until it is set). On a
+    // value of another kind the getters give an empty "any" enumeration: the
+    // constant one, or a scratch copy whose changes the value does not keep.
+    ZorWBIntegerEnum& GetIntegerEnum();
+    const ZorWBIntegerEnum& GetIntegerEnum() const;
+    ZorWBRealEnum& GetRealEnum();
+    const ZorWBRealEnum& GetRealEnum() const;
 
     // Largest magnitude, midpoint and width of the value's real reading.
     double GetMAG() const;
@@ -210,16 +217,26 @@ class ZORWBX_API ZorWBValue {
 
   private:
     void Load(const ZorWBFraction& fraction);
-    // Switches to a scalar kind; the enumerations are emptied (no heap work).
+    // Switches to a scalar kind; an enumeration held is released.
     void SetScalarKind(ZorWBValueType type) {
-        if (IsEnumKind(_type)) ResetEnums();
+        if (IsEnumKind(_type)) ReleaseEnums();
         _type = type;
     }
-    void ResetEnums();
+    // Frees the enumeration block of an enumeration kind (the payload then
+    // points to none).
+    void ReleaseEnums() noexcept;
+    // Gives this value (of other's enumeration kind, its payload not yet
+    // set) a copy of other's enumeration.
     void CopyEnums(const ZorWBValue& other);
-    void MoveEnums(ZorWBValue& other) noexcept;
     ZorWBValue& AssignWithEnums(const ZorWBValue& other);
     ZorWBValue& MoveAssignWithEnums(ZorWBValue& other) noexcept;
+    // The enumeration block of an integer (real) enumeration kind, made at
+    // first need; null when memory is short.
+    ZorWBIntegerEnum* IntegerEnumBlock();
+    ZorWBRealEnum* RealEnumBlock();
+    // Switches to an enumeration kind holding a copy of value.
+    template <class Enum>
+    void SetEnum(ZorWBValueType type, const Enum& value);
     void CopyScalar(const ZorWBValue& other) {
         _type = other._type;
         _payload = other._payload;
@@ -240,18 +257,19 @@ class ZORWBX_API ZorWBValue {
     ZorWBIntegerInterval ConvertToIntegerInterval() const;
     ZorWBRealInterval ConvertToRealInterval() const;
 
-    // Scalar kinds share one inline payload: ints[0] the integer, boolean or
+    // Every kind shares one inline payload: ints[0] the integer, boolean or
     // numerator; ints[0..1] the integer interval; ints[0..2] the fraction;
-    // reals[0] the real; reals[0..1] the real interval.
+    // reals[0] the real; reals[0..1] the real interval; for the enumeration
+    // kinds the block of the enumeration (a ZorWBIntegerEnum or a
+    // ZorWBRealEnum by the kind, owned by the value; null for "any").
     union Payload {
         int ints[3];
         double reals[2];
+        void* enums;
     };
 
     ZorWBValueType _type = ZorWBUndefinedType;
     Payload _payload = {{0, 0, 0}};
-    ZorWBIntegerEnum _integerEnum;
-    ZorWBRealEnum _realEnum;
     mutable const ZorWBEnvironment* _environment = nullptr;
 };
 

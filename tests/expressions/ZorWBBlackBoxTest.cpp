@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <memory>
+#include <vector>
 
 #include "ExpressionTestSupport.h"
 #include "expressions/ZorWBBlackBoxOperator.h"
@@ -192,4 +194,101 @@ TEST(ZorWBBlackBox, DuplicatedRootsShareBlackBoxCalls) {
     EXPECT_EQ(copy->GetChild(0), x);
     EXPECT_EQ(root->GetChild(0), call);
     EXPECT_EQ(call->ReplaceBBx(&bb, x), x);
+}
+
+namespace {
+
+// A black box reading its arguments (a value evaluation of each) and the
+// real of a node it watches (a real evaluation): run inside Eval() and
+// inside GetValue(), it nests evaluations of both kinds into each other.
+class ReadingBlackBox : public ZorWBBBx {
+  public:
+    double Eval() override {
+        double sum = watched ? 0.5 * watched->Eval() : 0.0;
+        for (int i = 0; i < GetNbOfArguments(); ++i)
+            sum += 0.25 * GetArgument(i);
+        return std::tanh(sum);
+    }
+    const ZorWBExpression* watched = nullptr;
+};
+
+// The value of node computed by plain recursion over the graph.
+double Reference(const ZorWBExpression* node,
+                 const std::vector<std::unique_ptr<ReadingBlackBox>>& boxes) {
+    const ZorWBExpression* a = node->GetChild(0);
+    switch (node->GetType()) {
+        case ZorWBExpressionType::Variable:
+        case ZorWBExpressionType::Constant:
+            return node->GetExprValue().GetAsReal();
+        case ZorWBExpressionType::Sum:
+            return Reference(a, boxes) + Reference(node->GetChild(1), boxes);
+        case ZorWBExpressionType::Product:
+            return Reference(a, boxes) * Reference(node->GetChild(1), boxes);
+        case ZorWBExpressionType::Sin:
+            return std::sin(Reference(a, boxes));
+        case ZorWBExpressionType::Atan2:
+            return std::atan2(Reference(a, boxes), Reference(node->GetChild(1), boxes));
+        default: {  // a call of boxes[i]
+            const auto* call = static_cast<const ZorWBBlackBoxOperator*>(node);
+            const ReadingBlackBox* box = static_cast<const ReadingBlackBox*>(call->GetBlackBox());
+            double sum = box->watched ? 0.5 * Reference(box->watched, boxes) : 0.0;
+            for (int i = 0; i < node->GetNbOfChildren(); ++i)
+                sum += 0.25 * Reference(node->GetChild(i), boxes);
+            return std::tanh(sum);
+        }
+    }
+}
+
+}  // namespace
+
+// Property: on random graphs whose black boxes evaluate their arguments and
+// the real of a node below them, Eval(), the compiled programs of later
+// calls and GetValue() all give the value of a plain recursion, whatever
+// the buffers hold: the real evaluation keeps the results of the nodes it
+// computed while value evaluations run inside it, and the other way round.
+TEST(ZorWBBlackBox, EvaluationsNestedThroughBlackBoxesGiveThePlainValues) {
+    for (unsigned int seed = 1; seed <= 20; ++seed) {
+        std::vector<std::unique_ptr<ReadingBlackBox>> boxes;
+        ZorWBFactory f(ZorWBLevel::All);
+        RandomGraph graph(f, seed, 4);
+        std::vector<ZorWBExpression*>& nodes = graph.nodes;
+        for (int i = 0; i < 40; ++i) {
+            ZorWBExpression* a = graph.Pick();
+            ZorWBExpression* b = graph.Pick();
+            switch (graph.Index(7)) {
+                case 0:
+                    nodes.push_back(f.CreateSum(a, b));
+                    break;
+                case 1:
+                    nodes.push_back(f.CreateProduct(a, f.CreateRealConstant(graph.Uniform())));
+                    break;
+                case 2:
+                    nodes.push_back(f.CreateSin(f.CreateSum(a, b)));
+                    break;
+                case 3:
+                    if (boxes.size() < 4) {
+                        boxes.push_back(std::make_unique<ReadingBlackBox>());
+                        boxes.back()->watched = graph.Pick();
+                        ZorWBExpression* arguments[] = {a, b};
+                        nodes.push_back(f.DeclareBlackBox(boxes.back().get(), 2, arguments, false));
+                    }
+                    break;
+                case 4:  // reads both operands once both are computed
+                    nodes.push_back(f.CreateAtan2(a, b));
+                    break;
+                default:
+                    nodes.push_back(f.CreateProduct(a, b));
+                    break;
+            }
+        }
+        ZorWBExpression* root = f.CreateSum(nodes.back(), nodes[nodes.size() / 2]);
+        for (int round = 0; round < 6; ++round) {
+            SetReal(graph.AnyVariable(), graph.Uniform());
+            graph.Pick()->GetValue();
+            double expected = Reference(root, boxes);
+            EXPECT_NEAR(root->Eval(), expected, 1e-12) << "seed " << seed << " round " << round;
+            EXPECT_NEAR(RealValue(root), expected, 1e-12) << "seed " << seed;
+            EXPECT_NEAR(root->Eval(), expected, 1e-12) << "seed " << seed;
+        }
+    }
 }

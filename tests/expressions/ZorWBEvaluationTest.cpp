@@ -411,6 +411,36 @@ TEST(ZorWBEvaluation, ResetsTravelUpFromTheirLevelAndDownBelowIt) {
     }
 }
 
+// A constant keeps its value in its buffer. A value assigned while the
+// buffer stays valid (below the level of upward resets) waits beside it:
+// GetValue answers the buffer, GetExprValue and Eval() the new value, until
+// the buffer is computed again.
+TEST(ZorWBEvaluation, AValueAssignedUnderAValidBufferWaitsForTheNextComputation) {
+    ZorWBFactory old(Below(ZorWBLevel::ResetBufferUpward));
+    ZorWBVariable* x = old.CreateVariable();
+    SetReal(x, 1.0);
+    ZorWBExpression* sum = old.CreateSum(x, old.GetOne());
+    EXPECT_DOUBLE_EQ(RealValue(sum), 2.0);
+    for (double value : {5.0, 6.0}) {
+        SetReal(x, value);
+        EXPECT_TRUE(x->IsBufferValid());
+        EXPECT_DOUBLE_EQ(RealValue(x), 1.0);
+        EXPECT_DOUBLE_EQ(x->GetExprValue().GetAsReal(), value);
+        EXPECT_DOUBLE_EQ(x->Eval(), value);
+        EXPECT_DOUBLE_EQ(RealValue(sum), 2.0);
+        EXPECT_DOUBLE_EQ(sum->Eval(), value + 1.0);
+    }
+    x->ResetBuffer(false);
+    EXPECT_DOUBLE_EQ(RealValue(x), 6.0);
+    EXPECT_DOUBLE_EQ(RealValue(sum), 2.0);  // still buffered
+    old.ResetBuffer(nullptr);
+    EXPECT_DOUBLE_EQ(RealValue(sum), 7.0);
+    // Storing the buffer back takes the waiting value's place.
+    SetReal(x, 8.0);
+    x->UpdateExprValue(false);
+    EXPECT_DOUBLE_EQ(x->GetExprValue().GetAsReal(), 6.0);
+}
+
 TEST(ZorWBEvaluation, FixingAVariableResetsTheFactory) {
     ZorWBFactory f(ZorWBLevel::All);
     ZorWBVariable* x = f.CreateVariable();

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "ParserTestSupport.h"
+#include "expressions/ZorWBFactory.h"
 #include "parser/ZorWBModelHomogeneity.h"
 #include "qel/ZorQelGlobalParameters.h"
 
@@ -215,4 +216,28 @@ TEST(ZorWBModelHomogeneity, EquationJudgement) {
     EXPECT_EQ(ZorWBModelHomogeneity::CheckHomogeneity(good.model), 0);
     ParsedText bad("x = 5 mm;\n5 mm = x;\ny = 1;");
     EXPECT_EQ(ZorWBModelHomogeneity::CheckHomogeneity(bad.model), 1);
+}
+
+// The check and the conversion skip the kind walks that nothing needs, but
+// not while the trace shows them: each writes the walk of every equation.
+TEST(ZorWBModelHomogeneity, TracedWalksAreNotSkipped) {
+    TraceCapture trace;
+    ParsedText parsed("x + y = 2;\nz = 1;");
+    auto count = [&trace](const ZorWBNode* term) {
+        std::string line =
+            " FillHomogeneity  :" + ZorWBModelPrinter::Print(term).GetStdString() + " => None";
+        int found = 0;
+        for (const std::string& each : trace.Lines())
+            found += each == line;
+        return found;
+    };
+    const ZorWBNode* sum = parsed.Equation(0)->GetLeftTerm();
+    const ZorWBNode* z = parsed.Equation(1)->GetLeftTerm();
+    EXPECT_EQ(count(sum), 1);
+    EXPECT_EQ(count(z), 1);
+    ZorWBFactory factory;
+    ZorQelIntArray ids;
+    EXPECT_EQ(parsed.model.FillFactory(factory, ids), 0);
+    EXPECT_EQ(count(sum), 2);
+    EXPECT_EQ(count(z), 2);
 }

@@ -322,6 +322,71 @@ TEST(ZorWBValue, CopiesCarryEnumerationsOnlyForEnumerationKinds) {
     EXPECT_EQ(ZorWBValue(ZorWBRealInterval{-5, 3}).GetMAG(), 5.0);
 }
 
+// An enumeration lives in a block of its own: copies and assignments copy
+// it, moves take it, a change of kind releases it, and the getters of the
+// other kind read "any" without changing the value.
+TEST(ZorWBValue, EnumerationsOwnTheirBlockThroughCopiesMovesAndKindChanges) {
+    static_assert(sizeof(ZorWBValue) == 32, "every node holds a value: keep it small");
+    ZorWBEnvironment environment;
+    const double reals[] = {0.5, -1.0, 2.0};
+    ZorWBValue list;
+    list.Set(3, reals);
+    ZorWBValue copy;
+    copy = list;
+    copy.GetRealEnum().Remove(0.5, 0.0);
+    EXPECT_EQ(list.GetRealEnum().GetSize(), 3);
+    EXPECT_EQ(copy.GetRealEnum().GetSize(), 2);
+    copy = list;  // same kind: copied into the block it holds
+    EXPECT_EQ(copy.GetRealEnum().GetSize(), 3);
+    const ZorWBValue& itself = copy;
+    copy = itself;
+    EXPECT_EQ(copy.GetRealEnum().Get(0), -1.0);
+
+    // The other kind's getters read "any"; a change through the mutable one
+    // is not kept.
+    EXPECT_TRUE(list.GetIntegerEnum().IsAny());
+    list.GetIntegerEnum().Append(7);
+    EXPECT_TRUE(static_cast<const ZorWBValue&>(list).GetIntegerEnum().IsAny());
+    EXPECT_EQ(list.GetType(), ZorWBRealEnumType);
+    EXPECT_TRUE(ZorWBValue(2.5).GetRealEnum().IsAny());
+
+    // A kind without a block reads "any" and gets one on a change.
+    ZorWBValue any(ZorWBIntegerEnumType);
+    EXPECT_TRUE(any.GetIntegerEnum().IsAny());
+    any.GetIntegerEnum().SetAsIntegerInterval({2, 4});
+    EXPECT_EQ(any.GetAsIntegerInterval().high, 4);
+    any.SetIndefinite();
+    EXPECT_TRUE(any.GetIntegerEnum().IsAny());
+
+    // Moves leave the source reading "any"; kind changes release the block.
+    ZorWBValue moved(std::move(copy));
+    EXPECT_EQ(moved.GetRealEnum().GetSize(), 3);
+    EXPECT_TRUE(copy.GetRealEnum().IsAny());
+    ZorWBValue target(ZorWBRealInterval{0.0, 1.0});
+    target = std::move(moved);
+    EXPECT_EQ(target.GetAsRealInterval().low, -1.0);
+    target.Set(ZorWBIntegerEnum(ZorWBEnumNil));
+    EXPECT_EQ(target.GetType(), ZorWBIntegerEnumType);
+    EXPECT_TRUE(target.GetIntegerEnum().IsNil());
+    target.Set(3);
+    EXPECT_EQ(target.GetAsInteger(), 3);
+    target.Set(target.GetIntegerEnum());  // a scalar's "any" taken as a value
+    EXPECT_TRUE(target.GetIntegerEnum().IsAny());
+
+    // Assignments into an enumeration kind fill its block, an undefined
+    // target first taking the kind.
+    ZorWBValue undefined;
+    undefined.AssignWithType(environment, list);
+    EXPECT_EQ(undefined.GetType(), ZorWBRealEnumType);
+    EXPECT_EQ(undefined.GetRealEnum().GetSize(), 3);
+    ZorWBValue integers(ZorWBIntegerEnumType);
+    integers.Assign(environment, ZorWBValue(ZorWBIntegerInterval{1, 3}));
+    EXPECT_EQ(integers.GetIntegerEnum().GetAsIntegerInterval().low, 1);
+    ZorWBValue realsFromIntegers(ZorWBRealEnumType);
+    realsFromIntegers.Assign(environment, ZorWBValue(5));
+    EXPECT_EQ(realsFromIntegers.GetRealEnum().Get(0), 5.0);
+}
+
 TEST(ZorWBValue, ScalarKindsNeverTouchTheHeap) {
     std::size_t before = AllocationCount();
     ZorWBValue values[] = {ZorWBValue(3),
