@@ -84,4 +84,13 @@ int MuparserParseAll(const std::vector<std::string>& texts, std::string& error,
     return count;
 }
 
+std::unique_ptr<MuparserSystem> MakeMuparserSystem(const Formula& formula) {
+    auto system = std::make_unique<MuparserSystem>();
+    system->inputs = formula.base;
+    for (int term : formula.terms)
+        system->equations.push_back(std::make_unique<MuparserSum>(
+            formula, std::vector<int>{term}, system->inputs.data(), system->error));
+    return system;
+}
+
 }  // namespace bench

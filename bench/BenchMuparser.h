@@ -36,6 +36,15 @@ class MuparserSum {
     std::vector<std::unique_ptr<mu::Parser>> _parsers;
 };
 
+// A system of one equation per term of formula, each with its own parser
+// (muparser has no shared subexpressions), all bound to inputs.
+struct MuparserSystem {
+    std::vector<double> inputs;
+    std::vector<std::unique_ptr<MuparserSum>> equations;
+    std::string error;
+};
+std::unique_ptr<MuparserSystem> MakeMuparserSystem(const Formula& formula);
+
 // Parses each text with one parser (made here and used for all of them),
 // every unknown name becoming a new variable with the value
 // StatementInput gives it, as muparser does for a host that declares its

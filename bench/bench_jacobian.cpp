@@ -180,22 +180,10 @@ void LoopJacobian(benchmark::State& state, Workload workload, int n) {
 
 // ------------------------------------------------------------ muparser
 #ifdef ZORWBX_BENCH_MUPARSER
-struct MuparserSystem {
-    std::vector<double> inputs;
-    std::vector<std::unique_ptr<MuparserSum>> equations;
-    std::string error;
-};
-
 void MuparserResiduals(benchmark::State& state, Workload workload, int n) {
     const Formula& formula = FormulaFor(workload, n);
-    MuparserSystem& m = Cached<MuparserSystem>(Key(workload, n), [&] {
-        auto system = std::make_unique<MuparserSystem>();
-        system->inputs = formula.base;
-        for (int term : formula.terms)
-            system->equations.push_back(std::make_unique<MuparserSum>(
-                formula, std::vector<int>{term}, system->inputs.data(), system->error));
-        return system;
-    });
+    MuparserSystem& m =
+        Cached<MuparserSystem>(Key(workload, n), [&] { return MakeMuparserSystem(formula); });
     SetNodes(state, SystemNodes(workload, n));
     if (!m.error.empty()) return Fail(state, m.error);
     std::vector<double> residuals(static_cast<std::size_t>(n));

@@ -82,22 +82,10 @@ void LoopSystem(benchmark::State& state, int n) {
 }
 
 #ifdef ZORWBX_BENCH_MUPARSER
-struct MuparserSystem {
-    std::vector<double> inputs;
-    std::vector<std::unique_ptr<MuparserSum>> equations;
-    std::string error;
-};
-
 void Muparser(benchmark::State& state, int n) {
     const Formula& formula = FormulaFor(System, n);
-    MuparserSystem& m = Cached<MuparserSystem>(Key(System, n), [&] {
-        auto system = std::make_unique<MuparserSystem>();
-        system->inputs = formula.base;
-        for (int term : formula.terms)
-            system->equations.push_back(std::make_unique<MuparserSum>(
-                formula, std::vector<int>{term}, system->inputs.data(), system->error));
-        return system;
-    });
+    MuparserSystem& m =
+        Cached<MuparserSystem>(Key(System, n), [&] { return MakeMuparserSystem(formula); });
     SetNodes(state, NodeCount(System, n));
     if (!m.error.empty()) return Fail(state, m.error);
     m.inputs = formula.base;

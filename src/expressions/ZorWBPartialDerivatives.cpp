@@ -17,24 +17,13 @@
 #include "expressions/ZorWBConstant.h"
 #include "expressions/ZorWBFactory.h"
 #include "expressions/ZorWBOperator.h"
+#include "expressions/ZorWBSlopes.h"
 #include "expressions/ZorWBTermBuilder.h"
 #include "values/ZorWBValueFunctions.h"
 
 using Type = ZorWBExpressionType;
 
 namespace {
-
-// The real reading of a constant node holding an exact number (integer,
-// real or fraction).
-bool ExactNumber(const ZorWBExpression* e, double& number) {
-    if (!e || e->GetType() != Type::Constant) return false;
-    const ZorWBValue& value = e->GetExprValue();
-    if (!value.IsAKindOf(ZorWBIntegerType) && !value.IsAKindOf(ZorWBRealType) &&
-        !value.IsAFraction())
-        return false;
-    number = value.GetAsReal();
-    return true;
-}
 
 // The condition under which child i of a Min (or Max) is the first of the
 // children to reach the minimum (maximum): strictly better than the
@@ -117,7 +106,7 @@ ZorWBExpression* ZorWBBinaryOperator::DifferentiateChild(int i, ZorWBExpression*
         case Type::Power: {
             if (i == 1) return build.Product({this, f.CreateLn(a), d});
             double exponent = 0.0;
-            if (!ExactNumber(b, exponent))
+            if (!ZorWBExactNumber(b, exponent))
                 return build.Product({b, f.CreatePower(a, f.CreateSub(b, f.GetOne())), d});
             if (exponent == 0.0) return f.GetZero();
             if (exponent == 1.0) return d;
@@ -219,7 +208,7 @@ ZorWBExpression* ZorWBRound3Operator::DifferentiateChild(int i, ZorWBExpression*
     ZorWBExpression* zeroStepTerm = i == 0 ? d : f.GetZero();
     ZorWBExpression* otherTerm = i == 0 ? f.GetZero() : d;
     double constantStep = 0.0;
-    if (ExactNumber(step, constantStep)) return constantStep == 0.0 ? zeroStepTerm : otherTerm;
+    if (ZorWBExactNumber(step, constantStep)) return constantStep == 0.0 ? zeroStepTerm : otherTerm;
     return f.CreateIfThenElse(f.CreateEqual(step, f.GetZero()), zeroStepTerm, otherTerm);
 } catch (const std::exception&) {
     return nullptr;

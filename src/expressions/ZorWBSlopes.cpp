@@ -170,18 +170,6 @@ struct IntervalArithmetic {
 
 // ------------------------------------------------------------ rules
 
-// The real reading of a constant child holding an exact number (integer,
-// real or fraction), as the symbolic rules test it.
-bool ExactNumber(const ZorWBExpression* e, double& number) {
-    if (!e || e->GetType() != Type::Constant) return false;
-    const ZorWBValue& value = e->GetExprValue();
-    if (!value.IsAKindOf(ZorWBIntegerType) && !value.IsAKindOf(ZorWBRealType) &&
-        !value.IsAFraction())
-        return false;
-    number = value.GetAsReal();
-    return true;
-}
-
 // Sum: 1. Product: the product of the other children. Min and Max: 1 where
 // the child is the first extremum (strictly better than those before it,
 // at least as good as those after it), else 0.
@@ -238,7 +226,7 @@ void BinarySlopes(const M& m, const ZorWBOperator& node, X x, typename M::Number
             // a^1 being a. A constant exponent has no slope.
             const ZorWBExpression* exponent = ZorWBGraphWalk::Child(&node, 1);
             double e = 0.0;
-            if (m.IsZero(b) && ExactNumber(exponent, e)) {
+            if (m.IsZero(b) && ZorWBExactNumber(exponent, e)) {
                 d[0] = m.None();
             } else {
                 Number lowered = m.Sub(b, one);
@@ -283,7 +271,7 @@ void Round3Slopes(const M& m, const ZorWBOperator& node, X x, typename M::Number
     const Number one = m.Constant(1.0);
     const Number zero = m.Constant(0.0);
     double constantStep = 0.0;
-    Number zeroStep = ExactNumber(node.GetChild(1), constantStep)
+    Number zeroStep = ZorWBExactNumber(node.GetChild(1), constantStep)
                           ? m.Constant(constantStep == 0.0 ? 1.0 : 0.0)
                           : m.Equal(x(1), zero);
     d[0] = m.Where(zeroStep, one, m.None());
@@ -406,6 +394,16 @@ void Slopes(const M& m, const ZorWBOperator& node, X x, int n, typename M::Numbe
 }
 
 }  // namespace
+
+bool ZorWBExactNumber(const ZorWBExpression* e, double& number) {
+    if (!e || e->GetType() != Type::Constant) return false;
+    const ZorWBValue& value = e->GetExprValue();
+    if (!value.IsAKindOf(ZorWBIntegerType) && !value.IsAKindOf(ZorWBRealType) &&
+        !value.IsAFraction())
+        return false;
+    number = value.GetAsReal();
+    return true;
+}
 
 double ZorWBRealNoSlope() {
     return NoSlopeReal();

@@ -7,6 +7,7 @@
 #include "values/ZorWBInterval.h"
 
 class ZorWBEnvironment;
+class ZorWBExpression;
 class ZorWBOperator;
 class ZorWBValue;
 
@@ -38,6 +39,11 @@ inline bool ZorWBIsNoSlope(const ZorWBRealInterval& slope) {
 }
 double ZorWBRealNoSlope();
 ZorWBRealInterval ZorWBIntervalNoSlope();
+
+// The real reading of a constant node holding an exact number (integer,
+// real or fraction): how the rules, symbolic or evaluated, recognise a
+// constant exponent or step.
+bool ZorWBExactNumber(const ZorWBExpression* e, double& number);
 
 // Whether the partial derivatives of the type have a rule here: every
 // operator but black boxes and Integrate.

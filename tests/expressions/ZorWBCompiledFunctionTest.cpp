@@ -82,6 +82,16 @@ Roots LastNodes(AnyKindGraph& graph) {
     return r;
 }
 
+// The last count nodes of graph over all its variables.
+template <class Graph>
+Roots LastNodesOverAll(const Graph& graph, std::size_t count) {
+    Roots r;
+    for (std::size_t i = graph.nodes.size() - count; i < graph.nodes.size(); ++i)
+        r.roots.push_back(graph.nodes[i]);
+    r.variables = graph.variables;
+    return r;
+}
+
 ZorWBCompiledFunction Compile(const Roots& r) {
     return ZorWBCompiledFunction(static_cast<int>(r.roots.size()), r.roots.data(),
                                  static_cast<int>(r.variables.size()), r.variables.data());
@@ -292,10 +302,7 @@ TEST(ZorWBCompiledFunction, JacobiansAreTheSymbolicDerivativesAtThePoint) {
         RandomGraph graph(f, seed, 5);
         for (int i = 0; i < 40; ++i)
             graph.AddNode();
-        Roots r;
-        for (std::size_t i = graph.nodes.size() - 6; i < graph.nodes.size(); ++i)
-            r.roots.push_back(graph.nodes[i]);
-        r.variables = graph.variables;
+        Roots r = LastNodesOverAll(graph, 6);
         ZorWBCompiledFunction function = Compile(r);
         ASSERT_EQ(function.GetStatus(), Status::Ok);
         std::vector<std::vector<ZorWBExpression*>> derivatives = SymbolicDerivatives(f, r);
@@ -394,10 +401,7 @@ TEST(ZorWBCompiledFunction, IntervalJacobiansEncloseTheJacobiansAtThePointsOfThe
         RandomGraph graph(f, seed, 4);
         for (int i = 0; i < 30; ++i)
             graph.AddNode();
-        Roots r;
-        for (std::size_t i = graph.nodes.size() - 5; i < graph.nodes.size(); ++i)
-            r.roots.push_back(graph.nodes[i]);
-        r.variables = graph.variables;
+        Roots r = LastNodesOverAll(graph, 5);
         ZorWBCompiledFunction function = Compile(r);
         ASSERT_EQ(function.GetStatus(), Status::Ok);
         std::size_t entries = static_cast<std::size_t>(function.GetNbOfNonZeros());
@@ -616,10 +620,7 @@ TEST(ZorWBCompiledFunction, CallsLeaveTheVariablesAndBuffersAlone) {
     RandomGraph graph(f, 21, 4);
     for (int i = 0; i < 40; ++i)
         graph.AddNode();
-    Roots r;
-    for (std::size_t i = graph.nodes.size() - 6; i < graph.nodes.size(); ++i)
-        r.roots.push_back(graph.nodes[i]);
-    r.variables = graph.variables;
+    Roots r = LastNodesOverAll(graph, 6);
     for (const ZorWBExpression* root : r.roots)
         root->GetValue();
     long long evaluations = f.GetNbOfEvaluations();
