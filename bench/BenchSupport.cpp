@@ -44,11 +44,12 @@ benchmark::internal::Benchmark* Register(const std::string& task, const std::str
 }
 
 void RegisterEach(const std::string& task, const std::string& contestant, benchmark::TimeUnit unit,
-                  Runner runner) {
+                  Runner runner, int largestSize) {
     for (Workload workload : {Workload::Chain, Workload::Trig})
         for (int n : Sizes())
-            Register(task, WorkloadName(workload), contestant, n, unit,
-                     [=](benchmark::State& state) { runner(state, workload, n); });
+            if (n <= largestSize)
+                Register(task, WorkloadName(workload), contestant, n, unit,
+                         [=](benchmark::State& state) { runner(state, workload, n); });
 }
 
 void SetNodes(benchmark::State& state, int nodes) {

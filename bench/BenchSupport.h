@@ -54,10 +54,11 @@ benchmark::internal::Benchmark* Register(const std::string& task, const std::str
                                          benchmark::TimeUnit unit,
                                          std::function<void(benchmark::State&)> fn);
 void SetNodes(benchmark::State& state, int nodes);
-// Registers runner for both formula workloads at every size.
+// Registers runner for both formula workloads at every size up to
+// largestSize (a contestant whose call takes minutes beyond it stops there).
 using Runner = void (*)(benchmark::State&, Workload, int);
 void RegisterEach(const std::string& task, const std::string& contestant, benchmark::TimeUnit unit,
-                  Runner runner);
+                  Runner runner, int largestSize = 10000);
 
 // The formula of a workload and size, generated on first use.
 const Formula& FormulaFor(Workload workload, int n);

@@ -254,7 +254,8 @@ int main(int argc, char** argv) {
     RegisterEach("jacobian", "muparser_residuals", benchmark::kMicrosecond, MuparserResiduals);
 #endif
 #ifdef ZORWBX_BENCH_GINAC
-    RegisterEach("jacobian", "ginac_jacobian", benchmark::kMicrosecond, GinacJacobian);
+    // About 100 s per call at N = 10,000.
+    RegisterEach("jacobian", "ginac_jacobian", benchmark::kMicrosecond, GinacJacobian, 1000);
 #endif
     return RunBenchmarks(argc, argv);
 }
